@@ -5,7 +5,15 @@
 
 #include <dunx/DUNIResult.h>
 #include <dunx/DUNXDynamicArray.h>
+#include <dunx/DUNXEvent.h>
+#include <dunx/DUNXEventBus.h>
 #include <dunx/DUNXHashMap.h>
+#include <dunx/DUNXInputStream.h>
+#include <dunx/DUNXObject.h>
+#include <dunx/DUNXOutputStream.h>
 #include <dunx/DUNXReferenceCount.h>
+#include <dunx/DUNXStreamFormatter.h>
 #include <dunx/DUNXString.h>
 #include <dunx/Gk_Def.h>
+#include <dunx/Gk_ErrMgr.h>
+#include <dunx/Gk_Observer.h>

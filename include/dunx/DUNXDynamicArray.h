@@ -3,6 +3,7 @@
 // vocabulary; each also offers begin()/end() for range-for loops.
 #pragma once
 
+#include <algorithm>
 #include <cstddef>
 #include <functional>
 #include <list>
@@ -57,6 +58,14 @@ public:
     }
     /// Removes the first entry equal to `item`; false when there is none.
     bool Remove(const T& item) { return RemoveAt(Find(item)); }
+    /// Removes every entry equal to `item`, keeping the others in order;
+    /// returns how many went.
+    int RemoveAll(const T& item) {
+        auto last = std::remove(m_Items.begin(), m_Items.end(), item);
+        const int removed = static_cast<int>(m_Items.end() - last);
+        m_Items.erase(last, m_Items.end());
+        return removed;
+    }
     /// Removes every entry; the capacity is kept.
     void Clear() { m_Items.clear(); }
     /// Makes room for `capacity` entries without growing again.

@@ -85,7 +85,8 @@ TEST(DUNXReferenceHandle, AssignmentReleasesTheOldObjectAndIgnoresTheSameOne) {
 
     a = held; // the same pointer again changes nothing
     EXPECT_EQ(held->GetReferenceCount(), 1u);
-    a = a; // nor does self-assignment
+    TrackedHandle& alias = a;
+    a = alias; // nor does self-assignment
     EXPECT_EQ(held->GetReferenceCount(), 1u);
 
     a = b; // releases the only reference to the first object

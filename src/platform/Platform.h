@@ -1,0 +1,34 @@
+// The library's only door to the operating system. Everything here is a plain
+// function; the implementation folder for the target system is picked by CMake.
+#pragma once
+
+#include <cstddef>
+#include <cstdio>
+
+namespace dunx::platform {
+
+// --- Clocks ------------------------------------------------------------------
+
+/// Milliseconds of elapsed wall time since the first call in this process;
+/// never goes backwards. Stamped on timed events as their clock.
+long ElapsedMilliseconds();
+
+/// Calendar time in seconds since the epoch, 64 bits wide.
+long long CurrentTime();
+
+// --- Files and descriptors -----------------------------------------------------
+
+/// Opens `path` with a C `fopen` mode after turning every '\' into '/', so
+/// paths kept in the library's backslash form find real files. Null on failure
+/// (a null or empty path included).
+std::FILE* OpenFile(const char* path, const char* mode);
+
+/// Writes `size` bytes to descriptor `fd`, retrying interrupted and partial
+/// writes. Returns the bytes written, or -1 when nothing could be written.
+long WriteDescriptor(int fd, const char* data, std::size_t size);
+
+/// Reads up to `size` bytes from descriptor `fd`, retrying when interrupted.
+/// Returns the bytes read (0 at the end), or -1 on a fault.
+long ReadDescriptor(int fd, char* data, std::size_t size);
+
+} // namespace dunx::platform
