@@ -72,6 +72,8 @@ long EncodeUnits(const unsigned short* units, char* out, std::size_t limit) {
     std::size_t written = 0;
     char bytes[MB_LEN_MAX];
     for (const unsigned short* u = units; *u != 0; ++u) {
+        if (out && written >= limit)
+            break; // as wcstombs: nothing past the limit is looked at
         unsigned long code = *u;
         if (code >= kHighSurrogate && code < kLowSurrogate && u[1] >= kLowSurrogate &&
             u[1] < kSurrogateEnd) {
