@@ -13,7 +13,7 @@ class DUNXOutputStream;
 /// Severity of an event; numeric order is the order of severity. A listener
 /// passes an event when its level is at least the listener's threshold.
 /// Warnings (70) have no text keyword: a threshold reaches them only numerically.
-enum DUNXEventLevel {
+enum DUNXEventLevel : int {
     DUNXLevelUnset = -1, ///< "take the level from the environment"
     DUNXLevelAll = 0,    ///< "ALL": thresholds only, lets everything through
     DUNXLevelDebug = 10,

@@ -16,7 +16,8 @@
 /// Text is converted through the current C locale. A character above U+FFFF
 /// becomes a surrogate pair. Narrow text the locale cannot convert (any byte
 /// above 127 in the "C" locale, invalid UTF-8 in "C.UTF-8") is taken one byte
-/// per unit, so no text is lost; such units convert back to the same bytes.
+/// per unit, so no text is lost; in a locale that cannot convert them either
+/// (the "C" locale) such units convert back to the same bytes.
 ///
 /// Comparisons, searches and `hashCode` never allocate; a new string allocates
 /// its unit buffer once.
@@ -93,6 +94,11 @@ public:
     /// a unit below 256 as its byte, any other as '-'. A null `dst` does nothing;
     /// an invalid range writes only the terminator.
     void getChars(int srcBegin, int srcEnd, char* dst, int dstBegin) const;
+
+    /// Prints one debug line (`DUNXDebug`): `string 0x<object> (0x<units>): "<text>" (<n> chars)`,
+    /// the addresses cut to their low 32 bits, each unit as its low byte.
+    /// A text longer than the 1,024-byte message buffer is cut.
+    void dump() const;
 
     // --- Comparison (unit values, no locale) --------------------------------
 

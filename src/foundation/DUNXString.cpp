@@ -1,13 +1,17 @@
 #include <dunx/DUNXString.h>
 
+#include <dunx/DUNXTrace.h>
+
 #include "foundation/UnitConversion.h"
 
 #include <algorithm>
 #include <climits>
 #include <cstdarg>
+#include <cstdint>
 #include <cstdio>
 #include <cstring>
 #include <cwctype>
+#include <string>
 #include <utility>
 #include <vector>
 
@@ -114,7 +118,7 @@ DUNXString::DUNXString(int bufferSize, const char* format, ...) {
         *this = DUNXString("");
         return;
     }
-    char fixed[kFormatBufferSize];
+    char fixed[kFormatBufferSize] = {}; // zeroed: a failed format keeps what it wrote
     std::vector<char> large;
     char* buffer = fixed;
     if (bufferSize > kFormatBufferSize) {
@@ -123,11 +127,11 @@ DUNXString::DUNXString(int bufferSize, const char* format, ...) {
     }
     va_list args;
     va_start(args, format);
-    // vsnprintf always terminates: longer output keeps its first bufferSize - 1 bytes.
-    const int written = std::vsnprintf(buffer, static_cast<std::size_t>(bufferSize), format, args);
+    // Longer output keeps its first bufferSize - 1 bytes; so does a format that
+    // fails part way (a wide text the locale cannot convert).
+    if (std::vsnprintf(buffer, static_cast<std::size_t>(bufferSize), format, args) < 0)
+        buffer[bufferSize - 1] = '\0';
     va_end(args);
-    if (written < 0)
-        buffer[0] = '\0';
     *this = DUNXString(static_cast<const char*>(buffer));
 }
 
@@ -252,6 +256,19 @@ void DUNXString::getChars(int srcBegin, int srcEnd, char* dst, int dstBegin) con
     for (int i = srcBegin; i < end; ++i)
         *out++ = m_Units[i] < 256 ? static_cast<char>(m_Units[i]) : '-';
     *out = 0;
+}
+
+void DUNXString::dump() const {
+    // One event rather than three: each debug event ends its own line.
+    char head[64];
+    std::snprintf(head, sizeof head, "string 0x%x (0x%x): \"",
+                  static_cast<unsigned>(reinterpret_cast<std::uintptr_t>(this)),
+                  static_cast<unsigned>(reinterpret_cast<std::uintptr_t>(m_Units)));
+    std::string text(head);
+    for (int i = 0; i < m_Length; ++i)
+        text += static_cast<char>(m_Units[i] & 0xFF);
+    text += "\" (" + std::to_string(m_Length) + " chars)";
+    DUNXDebug::Printf("%s", text.c_str());
 }
 
 // --- Comparison --------------------------------------------------------------

@@ -13,6 +13,9 @@ namespace dunx::platform {
 /// never goes backwards. Stamped on timed events as their clock.
 long ElapsedMilliseconds();
 
+/// A monotonic clock in nanoseconds, for measuring short intervals.
+long long MonotonicNanoseconds();
+
 /// Calendar time in seconds since the epoch, 64 bits wide.
 long long CurrentTime();
 
@@ -30,5 +33,15 @@ long WriteDescriptor(int fd, const char* data, std::size_t size);
 /// Reads up to `size` bytes from descriptor `fd`, retrying when interrupted.
 /// Returns the bytes read (0 at the end), or -1 on a fault.
 long ReadDescriptor(int fd, char* data, std::size_t size);
+
+// --- Environment ----------------------------------------------------------------
+
+/// The live environment block: 'NAME=value' texts up to a null entry.
+char** EnvironmentBlock();
+
+/// Sets variable `name` to `value`; the environment keeps its own copy, so the
+/// variable holds its value whatever the caller does later. False when refused
+/// (an empty name or one holding '=').
+bool SetEnvironmentVariable(const char* name, const char* value);
 
 } // namespace dunx::platform

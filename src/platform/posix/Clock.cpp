@@ -7,12 +7,16 @@ namespace dunx::platform {
 namespace {
 
 long long monotonicMilliseconds() {
-    timespec now{};
-    clock_gettime(CLOCK_MONOTONIC, &now);
-    return static_cast<long long>(now.tv_sec) * 1000 + now.tv_nsec / 1000000;
+    return MonotonicNanoseconds() / 1000000;
 }
 
 } // namespace
+
+long long MonotonicNanoseconds() {
+    timespec now{};
+    clock_gettime(CLOCK_MONOTONIC, &now);
+    return static_cast<long long>(now.tv_sec) * 1000000000LL + now.tv_nsec;
+}
 
 long ElapsedMilliseconds() {
     static const long long start = monotonicMilliseconds();

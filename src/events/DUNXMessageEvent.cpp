@@ -1,0 +1,207 @@
+#include <dunx/DUNXMessageEvent.h>
+
+#include <dunx/DUNXEventBus.h>
+#include <dunx/DUNXStreamFormatter.h>
+
+#include "internal/MessageFormat.h"
+#include "internal/OwnedText.h"
+
+using dunx::internal::CopyName;
+using dunx::internal::FormatMessage;
+using dunx::internal::MessageBuffer;
+
+// Builds an event of type `Event` from the variadic arguments of the calling
+// function (through its protected argument-list constructor) and sends it.
+#define DUNX_FIRE_FROM_ARGUMENTS(Event, format)                                                    \
+    va_list args;                                                                                  \
+    va_start(args, format);                                                                        \
+    Event event(args, format);                                                                     \
+    va_end(args);                                                                                  \
+    DUNXEventBus::GetEventBus().Send(event)
+
+// The body of a public `(const char* format, ...)` constructor.
+#define DUNX_MESSAGE_FROM_ARGUMENTS(format)                                                        \
+    va_list args;                                                                                  \
+    va_start(args, format);                                                                        \
+    SetMessage(format, args);                                                                      \
+    va_end(args)
+
+// --- DUNXTextEvent -------------------------------------------------------------
+
+DUNXTextEvent::DUNXTextEvent(const char* name, DUNXEventLevel level) : DUNXEvent(name, level) {}
+
+DUNXTextEvent::DUNXTextEvent(const char* name, DUNXEventLevel level, const char* format,
+                             va_list args)
+    : DUNXEvent(name, level) {
+    SetMessage(format, args);
+}
+
+DUNXTextEvent::DUNXTextEvent(const DUNXTextEvent& other)
+    : DUNXEvent(other), m_Message(CopyName(other.m_Message.get())) {}
+
+DUNXTextEvent::~DUNXTextEvent() = default;
+
+void DUNXTextEvent::SetMessage(const char* format, va_list args) {
+    MessageBuffer buffer;
+    FormatMessage(buffer, format, args);
+    m_Message = CopyName(buffer.text); // null when the text is empty
+}
+
+void DUNXTextEvent::WriteMessageLine(DUNXOutputStream* stream, const char* prefix) const {
+    DUNXStreamFormatter out(stream);
+    if (prefix)
+        out << prefix;
+    if (m_Message)
+        out << m_Message.get();
+    out << DUNXLineEnd();
+}
+
+// --- DUNXErrorEvent -------------------------------------------------------------
+
+DUNXErrorEvent::DUNXErrorEvent(const char* format, ...)
+    : DUNXTextEvent("DUNXErrorEvent", DUNXLevelError), m_Error(&DUNXError::FAIL_ERROR) {
+    DUNX_MESSAGE_FROM_ARGUMENTS(format);
+}
+
+DUNXErrorEvent::DUNXErrorEvent(va_list args, const char* format)
+    : DUNXTextEvent("DUNXErrorEvent", DUNXLevelError, format, args),
+      m_Error(&DUNXError::FAIL_ERROR) {}
+
+DUNXErrorEvent::DUNXErrorEvent(const DUNXError& error)
+    : DUNXTextEvent("DUNXErrorEvent", DUNXLevelError), m_Error(&error) {}
+
+DUNXErrorEvent::~DUNXErrorEvent() = default;
+
+void DUNXErrorEvent::GetFormattedDescription(DUNXOutputStream* stream) {
+    if (GetMessage())
+        WriteMessageLine(stream, "Error : ");
+    else
+        m_Error->GetFormattedDescription(stream);
+}
+
+const DUNXError* DUNXErrorEvent::GetError() const {
+    return m_Error;
+}
+
+void DUNXErrorEvent::Fire(const char* format, ...) {
+    DUNX_FIRE_FROM_ARGUMENTS(DUNXErrorEvent, format);
+}
+
+DUNIResult DUNXErrorEvent::Fire(DUNXError& error, const char* file, int line) {
+    error.SetSourceFileInfo(file, line);
+    DUNXErrorEvent event(error);
+    DUNXEventBus::GetEventBus().Send(event);
+    return DUNI_E_ERROR;
+}
+
+// --- DUNXWarningEvent -----------------------------------------------------------
+
+DUNXWarningEvent::DUNXWarningEvent(const char* format, ...)
+    : DUNXTextEvent("DUNXWarningEvent", DUNXLevelWarning) {
+    DUNX_MESSAGE_FROM_ARGUMENTS(format);
+}
+
+// Kept at the information level: warnings fired through `Fire` reach standard output.
+DUNXWarningEvent::DUNXWarningEvent(va_list args, const char* format)
+    : DUNXTextEvent("DUNXWarningEvent", DUNXLevelInfo, format, args) {}
+
+DUNXWarningEvent::~DUNXWarningEvent() = default;
+
+void DUNXWarningEvent::GetFormattedDescription(DUNXOutputStream* stream) {
+    WriteMessageLine(stream, "Warning : ");
+}
+
+void DUNXWarningEvent::Fire(const char* format, ...) {
+    DUNX_FIRE_FROM_ARGUMENTS(DUNXWarningEvent, format);
+}
+
+// --- DUNXMessageEvent -----------------------------------------------------------
+
+DUNXMessageEvent::DUNXMessageEvent(const char* format, ...)
+    : DUNXTextEvent("DUNXMessageEvent", DUNXLevelInfo) {
+    DUNX_MESSAGE_FROM_ARGUMENTS(format);
+}
+
+DUNXMessageEvent::DUNXMessageEvent(const char* format, int prefix, ...)
+    : DUNXTextEvent("DUNXMessageEvent", DUNXLevelInfo), m_Prefix(prefix != 0) {
+    va_list args;
+    va_start(args, prefix);
+    SetMessage(format, args);
+    va_end(args);
+}
+
+DUNXMessageEvent::DUNXMessageEvent(va_list args, const char* format)
+    : DUNXTextEvent("DUNXMessageEvent", DUNXLevelInfo, format, args) {}
+
+DUNXMessageEvent::DUNXMessageEvent(va_list args, const char* format, bool prefix)
+    : DUNXTextEvent("DUNXMessageEvent", DUNXLevelInfo, format, args), m_Prefix(prefix) {}
+
+DUNXMessageEvent::~DUNXMessageEvent() = default;
+
+void DUNXMessageEvent::GetFormattedDescription(DUNXOutputStream* stream) {
+    WriteMessageLine(stream, m_Prefix ? "Message : " : nullptr);
+}
+
+void DUNXMessageEvent::Fire(const char* format, ...) {
+    DUNX_FIRE_FROM_ARGUMENTS(DUNXMessageEvent, format);
+}
+
+// --- DUNXDebugEvent -------------------------------------------------------------
+
+DUNXDebugEvent::DUNXDebugEvent(const char* format, ...)
+    : DUNXTextEvent("DUNXDebugEvent", DUNXLevelDebug) {
+    DUNX_MESSAGE_FROM_ARGUMENTS(format);
+}
+
+DUNXDebugEvent::DUNXDebugEvent(va_list args, const char* format)
+    : DUNXTextEvent("DUNXDebugEvent", DUNXLevelDebug, format, args) {}
+
+DUNXDebugEvent::~DUNXDebugEvent() = default;
+
+void DUNXDebugEvent::GetFormattedDescription(DUNXOutputStream* stream) {
+    WriteMessageLine(stream, nullptr);
+}
+
+void DUNXDebugEvent::Fire(const char* format, ...) {
+    DUNX_FIRE_FROM_ARGUMENTS(DUNXDebugEvent, format);
+}
+
+// --- DUNXAssertEvent ------------------------------------------------------------
+
+DUNXAssertEvent::DUNXAssertEvent(const char* format, ...)
+    : DUNXTextEvent("DUNXAssertEvent", DUNXLevelAbort) {
+    DUNX_MESSAGE_FROM_ARGUMENTS(format);
+}
+
+DUNXAssertEvent::DUNXAssertEvent(va_list args, const char* format)
+    : DUNXTextEvent("DUNXAssertEvent", DUNXLevelVerbose, format, args) {}
+
+DUNXAssertEvent::~DUNXAssertEvent() = default;
+
+void DUNXAssertEvent::GetFormattedDescription(DUNXOutputStream* stream) {
+    WriteMessageLine(stream, "Assert : ");
+}
+
+void DUNXAssertEvent::Fire(const char* format, ...) {
+    DUNX_FIRE_FROM_ARGUMENTS(DUNXAssertEvent, format);
+}
+
+// --- DUNXVerboseEvent -----------------------------------------------------------
+
+DUNXVerboseEvent::DUNXVerboseEvent(const char* format, ...)
+    : DUNXTextEvent("DUNXVerboseEvent", DUNXLevelVerbose) {
+    DUNX_MESSAGE_FROM_ARGUMENTS(format);
+}
+
+DUNXVerboseEvent::DUNXVerboseEvent(va_list args, const char* format)
+    : DUNXTextEvent("DUNXVerboseEvent", DUNXLevelVerbose, format, args) {}
+
+DUNXVerboseEvent::~DUNXVerboseEvent() = default;
+
+void DUNXVerboseEvent::GetFormattedDescription(DUNXOutputStream* stream) {
+    WriteMessageLine(stream, nullptr);
+}
+
+void DUNXVerboseEvent::Fire(const char* format, ...) {
+    DUNX_FIRE_FROM_ARGUMENTS(DUNXVerboseEvent, format);
+}
