@@ -1,5 +1,6 @@
 #include "internal/MessageFormat.h"
 
+#include <algorithm>
 #include <cstdio>
 
 namespace dunx::internal {
@@ -12,14 +13,21 @@ void FormatMessage(MessageBuffer& buffer, const char* format, va_list args) {
         buffer.text[0] = '\0';
 }
 
-void FormatWithoutArguments(MessageBuffer& buffer, const char* text) {
-    int out = 0;
-    for (const char* p = text; p && *p && out < kMessageBufferSize - 1; ++p) {
+std::string FormatWithoutArguments(const char* text) {
+    std::string result;
+    for (const char* p = text; p && *p; ++p) {
         if (p[0] == '%' && p[1] == '%')
             ++p;
-        buffer.text[out++] = *p;
+        result += *p;
     }
-    buffer.text[out] = '\0';
+    return result;
+}
+
+void FormatWithoutArguments(MessageBuffer& buffer, const char* text) {
+    const std::string result = FormatWithoutArguments(text);
+    const std::size_t length = std::min(result.size(), sizeof buffer.text - 1);
+    result.copy(buffer.text, length);
+    buffer.text[length] = '\0';
 }
 
 } // namespace dunx::internal

@@ -3,6 +3,7 @@
 #pragma once
 
 #include <cstdarg>
+#include <string>
 
 namespace dunx::internal {
 
@@ -22,5 +23,8 @@ void FormatMessage(MessageBuffer& buffer, const char* format, va_list args);
 /// "%%" becomes "%", and any other conversion is copied as it stands instead
 /// of reading an argument that was never passed. Cut to 1,023 bytes.
 void FormatWithoutArguments(MessageBuffer& buffer, const char* text);
+
+/// The same reading of `text`, without a length limit (null gives "").
+std::string FormatWithoutArguments(const char* text);
 
 } // namespace dunx::internal

@@ -9,7 +9,6 @@
 #include <string>
 
 using dunx::internal::FormatWithoutArguments;
-using dunx::internal::MessageBuffer;
 
 namespace {
 
@@ -86,12 +85,12 @@ DUNIResult DUNXEnvironment::PutVariable(const DUNXString& name, const DUNXString
     const char* text = built;
     DUNXInfo::Printf("Environment variable: %s\n", text ? text : "");
     // The text was always read as a format; "%%" therefore sets one '%'.
-    MessageBuffer formatted;
-    FormatWithoutArguments(formatted, text);
-    char* equals = std::strchr(formatted.text, '=');
-    if (!equals)
+    const std::string formatted = FormatWithoutArguments(text);
+    const std::size_t equals = formatted.find('=');
+    if (equals == std::string::npos)
         return DUNI_E_FAIL;
-    *equals = '\0';
-    return dunx::platform::SetEnvironmentVariable(formatted.text, equals + 1) ? DUNI_S_SUCCESS
-                                                                              : DUNI_E_FAIL;
+    return dunx::platform::SetEnvironmentVariable(formatted.substr(0, equals).c_str(),
+                                                  formatted.c_str() + equals + 1)
+               ? DUNI_S_SUCCESS
+               : DUNI_E_FAIL;
 }
