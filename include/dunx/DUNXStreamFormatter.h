@@ -118,7 +118,8 @@ public:
 private:
     struct NumberFormat {
         std::string text;
-        int kind = 0; // which C type the conversion reads
+        std::string wide; // the same conversion reading a long long
+        int kind = 0;     // which C type the conversion reads
     };
     bool setNumberFormat(NumberFormat& target, const char* format, bool floating, int stars);
     template <class T> void printInteger(const NumberFormat& format, T value);

@@ -31,18 +31,29 @@ template <class... Args> std::string formatValue(const char* format, Args... arg
     return text;
 }
 
-// "2.500000" => "2.5", "3.000000" => "3"; left alone unless fixed-point.
+// Drops the trailing zeros of the last fixed-point fraction in `text`, and its
+// point when nothing remains: "2.500000" => "2.5", "[2.50]" => "[2.5]", "3.000" => "3".
+// Exponent forms, whole numbers after a literal '.' ("v.10") and texts without
+// digits are left alone.
 void dropTrailingZeros(std::string& text) {
-    const std::size_t point = text.find('.');
-    if (point == std::string::npos || text.find_first_of("eEpPnN", point) != std::string::npos ||
-        text.empty() || text.back() < '0' || text.back() > '9')
+    const std::size_t last = text.find_last_of("0123456789");
+    if (last == std::string::npos)
         return;
-    std::size_t end = text.size();
+    std::size_t point = last;
+    while (point > 0 && text[point - 1] >= '0' && text[point - 1] <= '9')
+        --point;
+    if (point < 2 || text[point - 1] != '.' || text[point - 2] < '0' || text[point - 2] > '9')
+        return;
+    const std::size_t after = last + 1;
+    if (after < text.size() && (text[after] == 'e' || text[after] == 'E'))
+        return;
+    --point; // at the '.'
+    std::size_t end = after;
     while (end > point + 1 && text[end - 1] == '0')
         --end;
     if (end == point + 1)
         --end;
-    text.resize(end);
+    text.erase(end, after - end);
 }
 
 } // namespace
@@ -81,6 +92,11 @@ bool DUNXStreamFormatter::setNumberFormat(NumberFormat& target, const char* form
         return false;
     target.text = format;
     target.kind = static_cast<int>(found.argument);
+    if (!floating) {
+        const auto at = static_cast<std::size_t>(found.lengthStart);
+        target.wide = target.text;
+        target.wide.replace(at, static_cast<std::size_t>(found.lengthSize), "ll");
+    }
     return true;
 }
 
@@ -119,32 +135,61 @@ void DUNXStreamFormatter::write(const char* text, int length) {
         m_WriteFault = true;
 }
 
-template <class T> void DUNXStreamFormatter::printInteger(const NumberFormat& format, T value) {
-    // The value is converted to the type the format's conversion reads, as
-    // printf would take it from a caller who passed that type.
-    const char* f = format.text.c_str();
-    std::string text;
-    switch (static_cast<PrintfArgument>(format.kind)) {
+namespace {
+
+// Bytes of the argument that each integer conversion reads.
+std::size_t argumentSize(PrintfArgument argument) {
+    switch (argument) {
     case PrintfArgument::Int:
-        text = formatValue(f, static_cast<int>(value));
-        break;
     case PrintfArgument::UInt:
-        text = formatValue(f, static_cast<unsigned>(value));
-        break;
+        return sizeof(int);
     case PrintfArgument::Long:
-        text = formatValue(f, static_cast<long>(value));
-        break;
     case PrintfArgument::ULong:
-        text = formatValue(f, static_cast<unsigned long>(value));
-        break;
-    case PrintfArgument::LongLong:
-        text = formatValue(f, static_cast<long long>(value));
-        break;
-    case PrintfArgument::ULongLong:
-        text = formatValue(f, static_cast<unsigned long long>(value));
-        break;
+        return sizeof(long);
     default:
-        return; // integer formats are checked when set
+        return sizeof(long long);
+    }
+}
+
+} // namespace
+
+template <class T> void DUNXStreamFormatter::printInteger(const NumberFormat& format, T value) {
+    const auto kind = static_cast<PrintfArgument>(format.kind);
+    const bool isSigned = kind == PrintfArgument::Int || kind == PrintfArgument::Long ||
+                          kind == PrintfArgument::LongLong;
+    std::string text;
+    if (sizeof(T) > argumentSize(kind)) {
+        // A value wider than the conversion is printed whole, the conversion
+        // widened: "%ul" prints a 64-bit unsigned long followed by 'l'.
+        const char* f = format.wide.c_str();
+        text = isSigned ? formatValue(f, static_cast<long long>(value))
+                        : formatValue(f, static_cast<unsigned long long>(value));
+    } else {
+        // Otherwise the value is converted to the type the conversion reads, as
+        // printf would take it from a caller who passed that type.
+        const char* f = format.text.c_str();
+        switch (kind) {
+        case PrintfArgument::Int:
+            text = formatValue(f, static_cast<int>(value));
+            break;
+        case PrintfArgument::UInt:
+            text = formatValue(f, static_cast<unsigned>(value));
+            break;
+        case PrintfArgument::Long:
+            text = formatValue(f, static_cast<long>(value));
+            break;
+        case PrintfArgument::ULong:
+            text = formatValue(f, static_cast<unsigned long>(value));
+            break;
+        case PrintfArgument::LongLong:
+            text = formatValue(f, static_cast<long long>(value));
+            break;
+        case PrintfArgument::ULongLong:
+            text = formatValue(f, static_cast<unsigned long long>(value));
+            break;
+        default:
+            return; // integer formats are checked when set
+        }
     }
     write(text.data(), static_cast<int>(text.size()));
 }

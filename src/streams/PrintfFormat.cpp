@@ -107,7 +107,9 @@ PrintfConversion ParsePrintfFormat(const char* format) {
                 p = skipDigits(p);
             }
         }
+        found.lengthStart = static_cast<int>(p - format);
         const Length length = readLength(p);
+        found.lengthSize = static_cast<int>(p - format) - found.lengthStart;
         found.argument = conversionArgument(*p, length);
         if (found.argument == PrintfArgument::Unfit || ++conversions > 1)
             return PrintfConversion();

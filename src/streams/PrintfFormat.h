@@ -20,7 +20,9 @@ enum class PrintfArgument {
 /// What `ParsePrintfFormat` found.
 struct PrintfConversion {
     PrintfArgument argument = PrintfArgument::Unfit;
-    int stars = 0; // '*' width or precision arguments the conversion reads first
+    int stars = 0;       // '*' width or precision arguments the conversion reads first
+    int lengthStart = 0; // where the length modifier is (or would be) in the format
+    int lengthSize = 0;  // its characters: 0 for none, 2 for "ll" and "hh"
 };
 
 /// Reads `format`, which must hold exactly one numeric conversion (d i o u x X
