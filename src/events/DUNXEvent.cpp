@@ -2,7 +2,7 @@
 
 #include <dunx/DUNXEventBus.h>
 
-#include "internal/OwnedText.h"
+#include "internal/Text.h"
 
 #include <cstring>
 

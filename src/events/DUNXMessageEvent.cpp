@@ -4,7 +4,7 @@
 #include <dunx/DUNXStreamFormatter.h>
 
 #include "internal/MessageFormat.h"
-#include "internal/OwnedText.h"
+#include "internal/Text.h"
 
 using dunx::internal::CopyName;
 using dunx::internal::FormatMessage;

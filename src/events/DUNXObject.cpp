@@ -1,6 +1,6 @@
 #include <dunx/DUNXObject.h>
 
-#include "internal/OwnedText.h"
+#include "internal/Text.h"
 
 #include <cstring>
 

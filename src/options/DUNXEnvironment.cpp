@@ -3,12 +3,14 @@
 #include <dunx/DUNXTrace.h>
 
 #include "internal/MessageFormat.h"
+#include "internal/Text.h"
 #include "platform/Platform.h"
 
 #include <cstring>
 #include <string>
 
 using dunx::internal::FormatWithoutArguments;
+using dunx::internal::WordValue;
 
 namespace {
 
@@ -72,11 +74,7 @@ DUNIResult DUNXEnvironment::GetVariable(const DUNXString& name, DUNXString& valu
 DUNIResult DUNXEnvironment::GetVariable(const DUNXString& name, bool& value) {
     DUNXString text;
     const DUNIResult result = GetVariable(name, text);
-    value = false;
-    if (result.IsSuccess())
-        value = text.equalsIgnoreCase(DUNXString::DUNX_TRUE) ||
-                text.equalsIgnoreCase(DUNXString::DUNX_YES) ||
-                text.equalsIgnoreCase(DUNXString::DUNX_ON);
+    value = result.IsSuccess() && WordValue(text) == 1;
     return result;
 }
 

@@ -1,0 +1,297 @@
+#include <dunx/DUNXOptions.h>
+
+#include <dunx/DUNXCfgFile.h>
+#include <dunx/DUNXStreamFormatter.h>
+#include <dunx/DUNXTrace.h>
+
+#include "internal/Text.h"
+#include "platform/Platform.h"
+
+#include <cstring>
+
+using dunx::internal::NarrowOrEmpty;
+using dunx::internal::ParseWholeDouble;
+using dunx::internal::WordValue;
+
+namespace {
+
+constexpr std::size_t kMaxTokens = 256;
+
+// Splits at '.', dropping empty tokens. Stops one past `limit` tokens, which
+// is enough to know that a name is too long.
+std::vector<DUNXString> splitName(const DUNXString& name, std::size_t limit) {
+    std::vector<DUNXString> tokens;
+    const int length = name.length();
+    int start = 0;
+    for (int i = 0; i <= length && tokens.size() <= limit; ++i) {
+        if (i == length || name[i] == '.') {
+            if (i > start)
+                tokens.push_back(name.substring(start, i));
+            start = i + 1;
+        }
+    }
+    return tokens;
+}
+
+bool isWildcard(const DUNXString& token) {
+    return token.length() == 1 && token[0] == '*';
+}
+
+// True when `format` takes exactly two "%s" texts (flags, width and precision
+// allowed) and nothing else but "%%".
+bool takesTwoTexts(const char* format) {
+    int texts = 0;
+    for (const char* p = format; p && *p; ++p) {
+        if (*p != '%')
+            continue;
+        if (*++p == '%')
+            continue;
+        p += std::strspn(p, "-+ #0123456789.");
+        if (*p != 's')
+            return false;
+        ++texts;
+    }
+    return format && texts == 2;
+}
+
+DUNXString valueText(const DUNXOption& option) {
+    DUNXValue value;
+    option.GetValue(value);
+    DUNXValue::DUNXValueType type = DUNXValue::TypeUnknown;
+    value.GetValueType(type);
+    bool flag = false;
+    int number = 0;
+    double real = 0.0;
+    DUNXString text;
+    switch (type) {
+    case DUNXValue::TypeBool:
+        value.GetValue(flag);
+        return DUNXString::valueOf(flag);
+    case DUNXValue::TypeInt:
+        value.GetValue(number);
+        return DUNXString::valueOf(number);
+    case DUNXValue::TypeDouble:
+        value.GetValue(real);
+        return DUNXString::valueOf(real);
+    case DUNXValue::TypeString:
+        value.GetValue(text);
+        return text;
+    default:
+        return DUNXString("");
+    }
+}
+
+} // namespace
+
+DUNXOptions::DUNXOptions() : m_Nodes(1) {}
+
+DUNXOptions::DUNXOptions(const DUNXOptions& other) : m_Nodes(1) {
+    AddOptions(other, true);
+}
+
+DUNXOptions& DUNXOptions::operator=(const DUNXOptions& other) {
+    if (this != &other) {
+        RemoveAll();
+        AddOptions(other, true);
+    }
+    return *this;
+}
+
+DUNXOptions::~DUNXOptions() = default;
+
+DUNIResult DUNXOptions::AddOption(const DUNXOption* option) {
+    if (!option)
+        return DUNI_E_INVALID_ARGUMENT;
+    return store(*option, true);
+}
+
+DUNIResult DUNXOptions::AddOption(const DUNXOption& option) {
+    return store(option, true);
+}
+
+DUNIResult DUNXOptions::AddOption(const char* name, const char* value) {
+    return AddOption(DUNXOption(DUNXOptionName(name), value));
+}
+
+DUNIResult DUNXOptions::AddOption(const char* name, const DUNXString& value) {
+    return AddOption(DUNXOption(DUNXOptionName(name), value));
+}
+
+DUNIResult DUNXOptions::AddOption(const char* name, int value) {
+    return AddOption(DUNXOption(DUNXOptionName(name), value));
+}
+
+DUNIResult DUNXOptions::AddOption(const char* name, double value) {
+    return AddOption(DUNXOption(DUNXOptionName(name), value));
+}
+
+DUNIResult DUNXOptions::AddOption(const char* name, bool value) {
+    return AddOption(DUNXOption(DUNXOptionName(name), value));
+}
+
+DUNIResult DUNXOptions::AddOptionParseValue(const char* name, const DUNXString& text) {
+    double number = 0.0;
+    if (ParseWholeDouble(NarrowOrEmpty(text), number))
+        return AddOption(name, number);
+    const int word = WordValue(text);
+    if (word >= 0)
+        return AddOption(name, word == 1);
+    return AddOption(name, text);
+}
+
+DUNIResult DUNXOptions::AddOptions(const DUNXOptions& other, bool replaceExisting) {
+    if (&other == this)
+        return DUNI_S_SUCCESS;
+    DUNIResult result = DUNI_S_SUCCESS;
+    for (const auto& option : other.m_Options)
+        result &= store(*option, replaceExisting);
+    return result;
+}
+
+DUNIResult DUNXOptions::store(const DUNXOption& option, bool replaceExisting) {
+    DUNXString name;
+    const DUNIResult named = option.GetName(name);
+    if (named.IsFailure())
+        return named;
+    const std::vector<DUNXString> tokens = splitName(name, kMaxTokens);
+    if (tokens.empty() || tokens.size() > kMaxTokens)
+        return DUNI_E_INVALID_ARGUMENT;
+    int node = 0;
+    for (const DUNXString& token : tokens) {
+        if (const int* child = m_Nodes[static_cast<std::size_t>(node)].children.Find(token)) {
+            node = *child;
+            continue;
+        }
+        const int created = static_cast<int>(m_Nodes.size());
+        m_Nodes[static_cast<std::size_t>(node)].children.Set(token, created);
+        m_Nodes.emplace_back();
+        node = created;
+    }
+    int& slot = m_Nodes[static_cast<std::size_t>(node)].option;
+    if (slot >= 0) {
+        if (replaceExisting)
+            *m_Options[static_cast<std::size_t>(slot)] = option;
+        return DUNI_S_SUCCESS;
+    }
+    slot = static_cast<int>(m_Options.size());
+    m_Options.push_back(std::make_unique<DUNXOption>(option));
+    return DUNI_S_SUCCESS;
+}
+
+int DUNXOptions::findNode(const std::vector<DUNXString>& tokens, std::size_t level,
+                          int node) const {
+    // Each node sits at one depth, so a lookup visits every node at most once
+    // however many wildcards the tree holds.
+    if (level == tokens.size())
+        return m_Nodes[static_cast<std::size_t>(node)].option >= 0 ? node : -1;
+    const auto& children = m_Nodes[static_cast<std::size_t>(node)].children;
+    if (const int* child = children.Find(tokens[level])) {
+        const int found = findNode(tokens, level + 1, *child);
+        if (found >= 0)
+            return found;
+    }
+    if (!isWildcard(tokens[level])) {
+        static const DUNXString wildcard("*");
+        if (const int* child = children.Find(wildcard))
+            return findNode(tokens, level + 1, *child);
+    }
+    return -1;
+}
+
+int DUNXOptions::exactNode(const std::vector<DUNXString>& tokens) const {
+    int node = 0;
+    for (const DUNXString& token : tokens) {
+        const int* child = m_Nodes[static_cast<std::size_t>(node)].children.Find(token);
+        if (!child)
+            return -1;
+        node = *child;
+    }
+    return node;
+}
+
+DUNIResult DUNXOptions::GetOption(const DUNXString& name, DUNXOption*& option) const {
+    // A name longer than the deepest stored one cannot match: stop splitting there.
+    const std::vector<DUNXString> tokens = splitName(name, kMaxTokens);
+    if (tokens.empty())
+        return DUNI_E_INVALID_ARGUMENT;
+    if (tokens.size() > kMaxTokens)
+        return DUNI_E_FAIL;
+    const int node = findNode(tokens, 0, 0);
+    if (node < 0)
+        return DUNI_E_FAIL;
+    option =
+        m_Options[static_cast<std::size_t>(m_Nodes[static_cast<std::size_t>(node)].option)].get();
+    return DUNI_S_SUCCESS;
+}
+
+bool DUNXOptions::HasOption(const DUNXOption& option) const {
+    const std::vector<DUNXString> tokens = splitName(option.GetNameText(), kMaxTokens);
+    if (tokens.empty() || tokens.size() > kMaxTokens)
+        return false;
+    const int node = exactNode(tokens);
+    return node >= 0 && m_Nodes[static_cast<std::size_t>(node)].option >= 0;
+}
+
+void DUNXOptions::InitEnumeration() const {
+    m_Cursor = 0;
+}
+
+DUNIResult DUNXOptions::GetNext(DUNXOption*& option) const {
+    if (m_Cursor >= m_Options.size())
+        return DUNI_E_FAIL;
+    option = m_Options[m_Cursor++].get();
+    return DUNI_S_SUCCESS;
+}
+
+void DUNXOptions::RemoveAll() {
+    m_Options.clear();
+    m_Nodes.assign(1, Node());
+    m_Cursor = 0;
+}
+
+DUNIResult DUNXOptions::ReadFromFile(const DUNXString& path) {
+    std::FILE* file = dunx::platform::OpenFile(path, "r");
+    if (!file)
+        return DUNI_E_FILE_OPEN;
+    const DUNIResult result = ReadFromFile(file);
+    std::fclose(file);
+    return result;
+}
+
+DUNIResult DUNXOptions::ReadFromFile(std::FILE* file) {
+    if (!file)
+        return DUNI_E_INVALID_ARGUMENT;
+    DUNXCfgFile config;
+    if (config.Load(file).IsFailure())
+        return DUNI_E_FAIL;
+    const DUNXCfgFileSection* unnamed = config.GetSection("");
+    for (int i = 0; unnamed && i < unnamed->GetRowCount(); ++i) {
+        const DUNXCfgFileKey* key = unnamed->GetKey(i);
+        AddOptionParseValue(NarrowOrEmpty(key->GetName()), key->GetAllValues());
+    }
+    return DUNI_S_SUCCESS;
+}
+
+void DUNXOptions::Dump(const char* header, const char* lineFormat, const char* footer) const {
+    if (header)
+        DUNXInfo::Printf("%s", header);
+    const char* format = takesTwoTexts(lineFormat) ? lineFormat : "%s = %s";
+    for (const auto& option : m_Options) {
+        const DUNXString value = valueText(*option);
+        DUNXInfo::Printf(format, NarrowOrEmpty(option->GetNameText()), NarrowOrEmpty(value));
+    }
+    if (footer)
+        DUNXInfo::Printf("%s", footer);
+}
+
+void DUNXOptions::DumpOptions(DUNXStreamFormatter& formatter) const {
+    // "there" is the library's own spelling and is kept.
+    formatter << "Options currently present and there values are given below : " << DUNXLineEnd()
+              << "============================================================= " << DUNXLineEnd();
+    for (const auto& option : m_Options) {
+        DUNXValue value;
+        option->GetValue(value);
+        formatter << "The Option \"" << option->GetNameText() << "\" value is\t\t=     " << value
+                  << DUNXLineEnd();
+    }
+}
