@@ -2,6 +2,7 @@
 #pragma once
 
 #include <dunx/DUNXExport.h>
+#include <dunx/DUNXFile.h>
 
 #include <cstdio>
 #include <string>
@@ -34,6 +35,10 @@ public:
     explicit DUNXFileOutputStream(std::FILE* file);
     /// Writes to descriptor `fd`; a negative descriptor gives a closed stream.
     explicit DUNXFileOutputStream(int fd);
+    /// Writes to `file`, kept alive by the stream: to its descriptor when it has
+    /// one (closed only as the file says), else to its path, opened as by the
+    /// path constructor. An empty handle gives a closed stream.
+    explicit DUNXFileOutputStream(const DUNXFileHandle& file);
     /// Closes the file only when the stream opened it.
     ~DUNXFileOutputStream() override;
     DUNXFileOutputStream(const DUNXFileOutputStream&) = delete;
@@ -49,6 +54,7 @@ private:
     std::FILE* m_File = nullptr;
     bool m_OwnsFile = false;
     int m_Descriptor = -1;
+    DUNXFileHandle m_Keep; // the file object written through, if any
 };
 
 /// Collects everything written, for tests, messages and in-memory reports.

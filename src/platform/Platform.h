@@ -4,6 +4,7 @@
 
 #include <cstddef>
 #include <cstdio>
+#include <string>
 
 namespace dunx::platform {
 
@@ -26,9 +27,29 @@ long long CurrentTime();
 /// (a null or empty path included).
 std::FILE* OpenFile(const char* path, const char* mode);
 
+/// True when `path` ('\' taken as '/') can be opened for reading and is not a folder.
+bool CanReadFile(const char* path);
+
+/// Modification time of `path` in seconds since 1970 UTC; false when it cannot be examined.
+bool ModificationTime(const char* path, long long& time);
+
+/// Deletes the file `path`; true on success.
+bool RemoveFile(const char* path);
+
+/// The current working directory, or "" when it cannot be read or does not
+/// fit in `capacity` - 1 bytes.
+std::string CurrentDirectory(std::size_t capacity);
+
+/// "<directory><prefix>XXXXXX" with six letters or digits, naming no existing
+/// file; "" when none was found after many tries. Creates nothing.
+std::string UniqueFileName(const char* directory, const char* prefix);
+
 /// Writes `size` bytes to descriptor `fd`, retrying interrupted and partial
 /// writes. Returns the bytes written, or -1 when nothing could be written.
 long WriteDescriptor(int fd, const char* data, std::size_t size);
+
+/// Closes descriptor `fd`.
+void CloseDescriptor(int fd);
 
 /// Reads up to `size` bytes from descriptor `fd`, retrying when interrupted.
 /// Returns the bytes read (0 at the end), or -1 on a fault.

@@ -15,6 +15,18 @@ DUNXFileOutputStream::DUNXFileOutputStream(std::FILE* file) : m_File(file) {}
 
 DUNXFileOutputStream::DUNXFileOutputStream(int fd) : m_Descriptor(fd >= 0 ? fd : -1) {}
 
+DUNXFileOutputStream::DUNXFileOutputStream(const DUNXFileHandle& file) : m_Keep(file) {
+    if (!file.IsValid())
+        return;
+    if (file->GetDescriptor() >= 0) {
+        m_Descriptor = file->GetDescriptor();
+    } else {
+        const char* path = file->GetFilePath();
+        m_File = dunx::platform::OpenFile(path, "wb");
+        m_OwnsFile = m_File != nullptr;
+    }
+}
+
 DUNXFileOutputStream::~DUNXFileOutputStream() {
     if (m_OwnsFile)
         std::fclose(m_File);
