@@ -42,6 +42,7 @@ if(IS_ABSOLUTE "${CMAKE_INSTALL_LIBDIR}" OR IS_ABSOLUTE "${CMAKE_INSTALL_INCLUDE
     set(DUNX_PC_INCLUDEDIR "${CMAKE_INSTALL_FULL_INCLUDEDIR}")
 else()
     file(RELATIVE_PATH _dunx_pc_up "/prefix/${CMAKE_INSTALL_LIBDIR}/pkgconfig" "/prefix")
+    string(REGEX REPLACE "/$" "" _dunx_pc_up "${_dunx_pc_up}")
     set(DUNX_PC_PREFIX "\${pcfiledir}/${_dunx_pc_up}")
     set(DUNX_PC_LIBDIR "\${prefix}/${CMAKE_INSTALL_LIBDIR}")
     set(DUNX_PC_INCLUDEDIR "\${prefix}/${CMAKE_INSTALL_INCLUDEDIR}")

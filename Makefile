@@ -1,0 +1,68 @@
+# DUNXBase: a thin front end over CMake and CTest.
+#
+#   make test                      configure, build, run every test
+#   make build                     configure and build (library and tests)
+#   make install PREFIX=/opt/dunx  configure, build and install
+#   make clean                     remove the build folder
+#
+# Variables:
+#   BUILD_DIR=build                 build folder
+#   CXX=clang++                     C++ compiler (default: CMake's choice)
+#   WERROR=1                        warnings are errors (-DDUNX_WARNINGS_AS_ERRORS=ON)
+#   SANITIZE=address,undefined      build with these sanitizers (-DDUNX_SANITIZERS=...)
+#   BUILD_TYPE=Debug                CMake build type
+#   JOBS=<cores>                    parallel build and test jobs
+#   CMAKE_ARGS=...                  more arguments for the CMake configure step
+#   CTEST_ARGS=...                  more arguments for ctest (e.g. -R DUNXString)
+
+BUILD_DIR ?= build
+BUILD_TYPE ?= Debug
+PREFIX ?= /usr/local
+JOBS ?= $(shell nproc 2>/dev/null || echo 2)
+WERROR ?= 0
+SANITIZE ?=
+CMAKE_ARGS ?=
+CTEST_ARGS ?=
+TEST_TIMEOUT ?= 300
+
+# Make always defines CXX; pass it on only when the caller set it.
+ifneq ($(filter environment command line,$(origin CXX)),)
+DUNX_CXX := $(CXX)
+endif
+
+# Ninja when it is there, unless the folder was already configured otherwise.
+GENERATOR := $(if $(wildcard $(BUILD_DIR)/CMakeCache.txt),,$(if $(shell command -v ninja 2>/dev/null),-G Ninja,-G "Unix Makefiles"))
+
+DEPS_ARGS := $(if $(DUNX_CXX),--cxx "$(DUNX_CXX)") $(if $(SANITIZE),--sanitize "$(SANITIZE)") \
+	$(if $(findstring BUILD_TESTING=OFF,$(CMAKE_ARGS)),--no-tests)
+
+CONFIGURE_ARGS := $(GENERATOR) \
+	-DCMAKE_BUILD_TYPE=$(BUILD_TYPE) \
+	$(if $(DUNX_CXX),-DCMAKE_CXX_COMPILER="$(DUNX_CXX)") \
+	-DDUNX_WARNINGS_AS_ERRORS=$(if $(filter 1 ON on yes YES true TRUE,$(WERROR)),ON,OFF) \
+	-DDUNX_SANITIZERS="$(SANITIZE)" \
+	-DCMAKE_EXPORT_COMPILE_COMMANDS=ON \
+	$(CMAKE_ARGS)
+
+.PHONY: all test build configure deps install clean
+
+all: build
+
+deps:
+	@bash tools/check-deps.sh $(DEPS_ARGS)
+
+configure: deps
+	cmake -S . -B "$(BUILD_DIR)" $(CONFIGURE_ARGS)
+
+build: configure
+	cmake --build "$(BUILD_DIR)" --parallel $(JOBS)
+
+test: build
+	ctest --test-dir "$(BUILD_DIR)" --output-on-failure --no-tests=error \
+		--timeout $(TEST_TIMEOUT) -j $(JOBS) $(CTEST_ARGS)
+
+install: build
+	cmake --install "$(BUILD_DIR)" --prefix "$(PREFIX)"
+
+clean:
+	rm -rf "$(BUILD_DIR)"
