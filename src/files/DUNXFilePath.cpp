@@ -2,10 +2,13 @@
 
 #include <dunx/DUNXTrace.h>
 
+#include "internal/Text.h"
 #include "platform/Platform.h"
 
 #include <cstdio>
 #include <cstring>
+
+using dunx::internal::NarrowOrEmpty;
 
 namespace {
 
@@ -223,8 +226,8 @@ DUNXFilePath DUNXFilePath::ResolveAgainst(DUNXFilePath& base) const {
 std::string DUNXFilePath::systemPath() const {
     unsigned short units[kPathBufferSize];
     GetChars(units, kPathBufferSize - 1);
-    const char* narrow = DUNXString(static_cast<const unsigned short*>(units));
-    return narrow ? narrow : "";
+    const DUNXString cut(static_cast<const unsigned short*>(units));
+    return NarrowOrEmpty(cut);
 }
 
 bool DUNXFilePath::DoesFileExist() const {
