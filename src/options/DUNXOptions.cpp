@@ -7,6 +7,7 @@
 #include "internal/Text.h"
 #include "platform/Platform.h"
 
+#include <algorithm>
 #include <cstring>
 
 using dunx::internal::NarrowOrEmpty;
@@ -22,6 +23,10 @@ constexpr std::size_t kMaxTokens = 256;
 std::vector<DUNXString> splitName(const DUNXString& name, std::size_t limit) {
     std::vector<DUNXString> tokens;
     const int length = name.length();
+    std::size_t pieces = 1;
+    for (int i = 0; i < length; ++i)
+        pieces += name[i] == '.' ? 1 : 0;
+    tokens.reserve(std::min(pieces, limit + 1)); // one allocation for the list
     int start = 0;
     for (int i = 0; i <= length && tokens.size() <= limit; ++i) {
         if (i == length || name[i] == '.') {
