@@ -111,11 +111,7 @@ protected:
     /// The section named `name`, appended when there is none.
     DUNXCfgFileSection* createSection(const char* name);
     /// Formats a message into a 1,024-byte buffer (longer is cut) and records it.
-    void flagError(const char* format, ...)
-#if defined(__GNUC__)
-        __attribute__((format(printf, 2, 3)))
-#endif
-        ;
+    void flagError(const char* format, ...) DUNX_PRINTF_LIKE(2, 3);
     /// Trims tab, blank, CR and LF from both ends of `text`, in place.
     static void removeWhiteSpaces(char* text);
 

@@ -48,11 +48,7 @@ public:
     /// time as a format with no arguments, so "%%" surviving the first pass
     /// prints as "%"; callers printing user text double its percent signs.
     /// (Any other conversion left after the first pass is printed as it stands.)
-    static void Printf(const char* format, ...)
-#if defined(__GNUC__)
-        __attribute__((format(printf, 1, 2)))
-#endif
-        ;
+    static void Printf(const char* format, ...) DUNX_PRINTF_LIKE(1, 2);
     /// The last error kept by the tracker, or null (no tracker, or none kept).
     static const DUNXError* GetLastError();
     /// Number of errors kept by the tracker; 0 when there is no tracker.

@@ -8,13 +8,6 @@
 #include <cstdarg>
 #include <memory>
 
-#if defined(__GNUC__)
-#define DUNX_PRINTF_LIKE(formatIndex, firstArgument)                                               \
-    __attribute__((format(printf, formatIndex, firstArgument)))
-#else
-#define DUNX_PRINTF_LIKE(formatIndex, firstArgument)
-#endif
-
 /// An event carrying a message, printf-formatted into a 1,024-byte buffer
 /// (longer text is cut). An empty text leaves the message null.
 class DUNX_EXPORT DUNXTextEvent : public DUNXEvent {

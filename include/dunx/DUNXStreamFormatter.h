@@ -109,11 +109,7 @@ public:
 
     /// printf into one shared 1,024-byte buffer (longer text is cut); the result
     /// stays valid until the next call. A null `format` gives "".
-    static DUNXFormattedText format(const char* format, ...)
-#if defined(__GNUC__)
-        __attribute__((format(printf, 1, 2)))
-#endif
-        ;
+    static DUNXFormattedText format(const char* format, ...) DUNX_PRINTF_LIKE(1, 2);
 
 private:
     struct NumberFormat {

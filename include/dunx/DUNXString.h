@@ -40,11 +40,7 @@ public:
     /// printf-style: formats into `bufferSize` bytes and converts the result.
     /// Longer output is cut to `bufferSize - 1` bytes; `bufferSize` <= 0 gives
     /// the empty string; a null `format` gives the null string.
-    DUNXString(int bufferSize, const char* format, ...)
-#if defined(__GNUC__)
-        __attribute__((format(printf, 3, 4)))
-#endif
-        ;
+    DUNXString(int bufferSize, const char* format, ...) DUNX_PRINTF_LIKE(3, 4);
     /// Copies `units` up to their 0 terminator; null gives the null string.
     DUNXString(const unsigned short* units);
     /// A one-unit string.
@@ -64,22 +60,16 @@ public:
     // --- Access -----------------------------------------------------------
 
     /// Units before the terminator; 0 for the null and the empty string.
-    int length() const {
-        return m_Length;
-    }
+    int length() const { return m_Length; }
     /// Bytes of the narrow rendering in the current locale; the unit count when
     /// the locale cannot convert the text; 0 for the null string.
     int GetLengthInChar() const;
     /// The unit at `index`; 0 when the string is null or `index` is outside [0, length).
     unsigned short charAt(int index) const;
     /// The unit at `index`, unchecked: `index` must be in [0, length].
-    const unsigned short& operator[](int index) const {
-        return m_Units[index];
-    }
+    const unsigned short& operator[](int index) const { return m_Units[index]; }
     /// The 0-terminated units; null for the null string.
-    operator const unsigned short*() const {
-        return m_Units;
-    }
+    operator const unsigned short*() const { return m_Units; }
     /// The 0-terminated narrow rendering, made on first use and kept until the
     /// string is assigned or destroyed; null for the null string.
     operator const char*() const;

@@ -5,13 +5,6 @@
 
 #include <cstdarg>
 
-#if defined(__GNUC__)
-#define DUNX_TRACE_PRINTF_LIKE(formatIndex, firstArgument)                                         \
-    __attribute__((format(printf, formatIndex, firstArgument)))
-#else
-#define DUNX_TRACE_PRINTF_LIKE(formatIndex, firstArgument)
-#endif
-
 /// Indentation depth shared by every static printer: `Tab` raises it, `Untab`
 /// lowers it (never below 0). Each level indents a printed text by four blanks.
 extern DUNX_EXPORT int _DUNXTraceTab;
@@ -40,7 +33,7 @@ public:
     /// Formats into a 1,024-byte buffer (longer text is cut) and fires the event
     /// chosen by `level`; does nothing when disabled, for a null `format`, or
     /// for a level other than 1, 2 or 3.
-    void Printf(DUNXTraceLevel level, const char* format, ...) DUNX_TRACE_PRINTF_LIKE(3, 4);
+    void Printf(DUNXTraceLevel level, const char* format, ...) DUNX_PRINTF_LIKE(3, 4);
 
 private:
     bool m_Enabled;
@@ -64,9 +57,9 @@ enum class DUNXChannelKind { Warning, Info, Verbose, Debug, Assert };
 template <DUNXChannelKind Kind> class DUNXChannelPrinter {
 public:
     /// Prints the formatted text, indented by the tab depth; a null format does nothing.
-    static void Printf(const char* format, ...) DUNX_TRACE_PRINTF_LIKE(1, 2);
+    static void Printf(const char* format, ...) DUNX_PRINTF_LIKE(1, 2);
     /// Prints the formatted text without indentation.
-    static void NoTabPrintf(const char* format, ...) DUNX_TRACE_PRINTF_LIKE(1, 2);
+    static void NoTabPrintf(const char* format, ...) DUNX_PRINTF_LIKE(1, 2);
     /// One indentation level deeper, for every printer.
     static void Tab();
     /// One indentation level shallower, for every printer; never below 0.
