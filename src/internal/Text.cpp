@@ -21,7 +21,7 @@ bool numberBody(const char* text, const char* allowed, const char*& first, const
         return false;
     if (*first == '+')
         ++first;
-    return first < last;
+    return first < last && *first != '+' && !(first > text && first[-1] == '+' && *first == '-');
 }
 
 } // namespace

@@ -69,11 +69,11 @@ TEST(DUNXOptions, ExactPathWinsAndWildcardAnswersWhereItLeadsNowhere) {
 TEST(DUNXOptions, FileKeysOfTheUnnamedSectionAreTypedFromTheirText) {
     // Numbers become doubles, the six words bools, the rest text; a repeated name replaces.
     const char* files[] = {"[S]\nx=1\n", "a=1\nbad\n",
-                           "# c\nA=3\nB=-2.5e3\nC=On\nD=yes\nE=TRUE\nF=off\nG=No\nH=fAlSe\nI=3x\n"
-                           "S=a, b\nI.M=x\nA=2\n[S]\nH=1\n"};
+                           ("# c\nA=3\nB=-2.5e3\nC=On\nD=yes\nE=TRUE\nF=off\nG=No\nH=fAlSe\nI=3x\n"
+                            "S=a, b\nI.M=x\nA=2\n[S]\nH=1\n")};
     const std::string read[] = {"0", std::to_string(DUNI_E_FAIL),
-                                "0A=d:2;B=d:-2500;C=b:True;D=b:True;E=b:True;F=b:False;G=b:False;"
-                                "H=b:False;I=s:3x;S=s:a, b;I.M=s:x;"};
+                                ("0A=d:2;B=d:-2500;C=b:True;D=b:True;E=b:True;F=b:False;G=b:False;"
+                                 "H=b:False;I=s:3x;S=s:a, b;I.M=s:x;")};
     dunx::test::TempDir dir;
     for (int n = 0; n < 3; ++n) {
         DUNXOptions set; // '\' is taken as '/'; a faulty file adds nothing
@@ -93,10 +93,8 @@ TEST(DUNXOptions, LookupAllocatesNothingBeyondSplittingTheName) {
         const DUNXString name(lookup);
         dunx::test::AllocationCounter counter;
         set.GetOption(name, option);
-        const long count = counter.count(); // read before any assertion allocates
-        EXPECT_LE(count, 5 + 1) << lookup;  // a buffer per token and one for their array
+        EXPECT_LE(counter.count(), 5 + 1) << lookup; // a buffer per token, one for their array
     }
-    EXPECT_EQ(answer(set, "G.S943.P.Q.L") + answer(set, "G.S9.P.Q.Other"), "943G.*.P.Q.Other");
 }
 
 TEST(DUNXOptions, CopiesKeepEveryOptionInOrderAndDumpsPrintThem) {
@@ -108,9 +106,11 @@ TEST(DUNXOptions, CopiesKeepEveryOptionInOrderAndDumpsPrintThem) {
     assigned = copy;
     set.RemoveAll();
     set.AddOption("Z", 1);
-    EXPECT_EQ(answer(set, "Name") + answer(set, "Z") + answer(assigned, "A.Y"), "<none>1True");
-    EXPECT_TRUE(assigned.HasOption(DUNXOption(DUNXOptionName("A.*"), 1)) &&
-                !assigned.HasOption(DUNXOption(DUNXOptionName("A.Y"), 1))); // no wildcard
+    set.AddOptions(setOf({"Z", "Y"}), false); // keeps the options already present
+    EXPECT_EQ(answer(set, "Name") + answer(set, "Z") + answer(set, "Y"), "<none>1Y");
+    EXPECT_TRUE(answer(assigned, "A.Y") == "True" &&
+                !assigned.HasOption(DUNXOption(DUNXOptionName("A.Y"), 1)) &&
+                assigned.HasOption(DUNXOption(DUNXOptionName("A.*"), 1))); // no wildcard
     dunx::test::EventRecorder recorder;
     assigned.Dump("Header", "%s -> %s", "Footer"); // other formats than two texts: "%s = %s"
     for (const char* format : {"%d %d", "%s", "%s %s %s", static_cast<const char*>(nullptr)})

@@ -36,6 +36,7 @@ TEST(DUNXFileOutputStream, WritesByPathOrBorrowedFileOrDescriptorAndClosesOnlyIt
     } // its destructor must neither flush nor close the freed FILE
     const int fd = ::open(dir.file("out.bin").c_str(), O_WRONLY | O_APPEND);
     EXPECT_EQ(writeText(DUNXFileOutputStream(fd), "fd "), 3);
+    EXPECT_EQ(DUNXFileOutputStream(fd).flush(), 0);
     EXPECT_EQ(::close(fd), 0) << "the borrowed descriptor was closed";
     const std::string path = dir.path() + "\\.\\out.bin";
     {
