@@ -26,8 +26,7 @@ int main() {
     std::printf("steps: %s\n", result.GetMessage());
     expect(result == DUNI_S_NO_ENTITY, "Success &= No Entity gives No Entity");
     expect(result.IsSuccess() != 0, "No Entity is a success");
-    expect(std::strcmp(result.GetMessage(), "No Entity to Translate") == 0,
-           "message of No Entity");
+    expect(std::strcmp(result.GetMessage(), "No Entity to Translate") == 0, "message of No Entity");
 
     result &= DUNIResult(DUNI_E_INVALID_ARGUMENT);
     std::printf("with a failed step: %s\n", result.GetMessage());
