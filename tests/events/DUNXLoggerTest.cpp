@@ -10,19 +10,12 @@
 
 #include <gtest/gtest.h>
 
-#include <cstdio>
-#include <functional>
-#include <memory>
 #include <string>
 #include <vector>
 
 #include <fcntl.h>
-#include <sys/stat.h>
 
-using dunx::test::OutputCapture;
-using dunx::test::ScopedEnvironmentVariable;
-using dunx::test::ScopedWorkingDirectory;
-using dunx::test::TempDir;
+using namespace dunx::test;
 
 namespace {
 
@@ -44,18 +37,13 @@ void fireLevels(const std::vector<int>& levels = kLevels) {
     }
 }
 
-// What `fireLevels()` prints through `threshold`, counting only levels in [from, to).
+// What `fireLevels()` prints through `threshold`, counting only the levels in [from, to).
 std::string passed(int threshold, int from = 0, int to = 1000) {
     std::string text;
     for (int level : kLevels)
         if (level >= threshold && level >= from && level < to)
             text += "<" + std::to_string(level) + ">";
     return text;
-}
-
-using File = std::unique_ptr<std::FILE, int (*)(std::FILE*)>;
-File temporaryFile() {
-    return File(std::tmpfile(), &std::fclose);
 }
 
 // Throws `What` from the form the building forms hand their stream to.
@@ -66,35 +54,44 @@ template <class What> struct ThrowingLogger : DUNXLogger {
 
 } // namespace
 
-TEST(DUNXLogger, ThresholdIsTheGivenLevelOrDUNXLogLevelForTheUnsetOne) {
+TEST(DUNXLogger, ThresholdsComeFromTheLevelOrTheVariablesWhichOnlyTheConsoleObeysAlways) {
     const struct {
-        const char* variable; // null: unset
+        const char *logLevel, *tracesLevel; // DUNXLogLevel, DUNXConsoleTracesLevel; null: unset
         DUNXEventLevel given;
-        int threshold;
-    } cases[] = {{nullptr, DUNXLevelUnset, 50}, {"ERROR", DUNXLevelUnset, 80},
-                 {"DEBUG", DUNXLevelUnset, 10}, {"NONE", DUNXLevelUnset, 999},
-                 {"bogus", DUNXLevelUnset, 50}, {"ERROR", DUNXLevelVerbose, 30},
-                 {"bogus", DUNXLevelAll, 0},    {nullptr, DUNXLevelWarning, 70}};
+        int logger, console;
+    } cases[] = {
+        {nullptr, nullptr, DUNXLevelUnset, 50, 50},   {"DEBUG", nullptr, DUNXLevelUnset, 10, 50},
+        {nullptr, nullptr, DUNXLevelWarning, 70, 70}, {"ERROR", "ERROR", DUNXLevelUnset, 80, 80},
+        {"DEBUG", "ERROR", DUNXLevelVerbose, 30, 80}, {"NONE", "ERROR", DUNXLevelAll, 0, 80},
+        {"NONE", nullptr, DUNXLevelUnset, 999, 50},   {"bogus", "bogus", DUNXLevelUnset, 50, 999},
+        {"error", "WARNING", DUNXLevelAll, 0, 999},   {"WARNING", "", DUNXLevelError, 80, 999}};
     for (const auto& c : cases) {
-        SCOPED_TRACE(std::string(c.variable ? c.variable : "unset") + ", " +
-                     std::to_string(c.given));
-        ScopedEnvironmentVariable variable("DUNXLogLevel", c.variable);
+        SCOPED_TRACE(&c - cases);
+        ScopedEnvironmentVariable log("DUNXLogLevel", c.logLevel);
+        ScopedEnvironmentVariable traces("DUNXConsoleTracesLevel", c.tracesLevel);
         DUNXLogger logger;
-        auto* out = new DUNXStringOutputStream; // the logger's from here on
-        logger.Initialize(out, c.given);
+        auto* text = new DUNXStringOutputStream; // the logger's from here on
+        logger.Initialize(text, c.given);
+        OutputCapture out(1), err(2);      // below stdio: what reaches descriptors 1 and 2
+        DUNXConsoleLogger::SetUp(c.given); // again after the last row's Finalize
         fireLevels();
-        EXPECT_EQ(out->GetText(), passed(c.threshold));
+        DUNXConsoleLogger::GetInstance().Finalize(); // deletes its streams, but not 1 and 2
+        const bool open = fcntl(1, F_GETFD) != -1 && fcntl(2, F_GETFD) != -1;
+        fireLevels();  // silent now
+        out.restore(); // before any assertion prints into the capture
+        err.restore();
+        EXPECT_TRUE(open);
+        EXPECT_EQ(text->GetText(), passed(c.logger) + passed(c.logger));
+        EXPECT_EQ(out.text(), passed(c.console, 0, 70)); // warnings and worse go to stderr
+        EXPECT_EQ(err.text(), passed(c.console, 70));
     }
 }
 
-TEST(DUNXLogger, FirstRealStreamWinsUntilFinalize) {
-    DUNXFilePath invalid;
+TEST(DUNXLogger, FirstRealStreamWinsUntilFinalizeAndOnlyTheAbortExceptionLeavesThePathForms) {
+    TempDir dir;
+    DUNXFilePath invalid, path(dir.file("path.log").c_str());
     DUNXStringOutputStream callers;
-    File file = temporaryFile();
-    ASSERT_NE(file, nullptr);
     DUNXLogger logger;
-    LevelEvent event(998);
-    logger.HandleEvent(event); // no stream yet: nothing to write, nothing to crash on
     logger.Initialize(static_cast<DUNXOutputStream*>(nullptr), DUNXLevelAll);
     logger.Initialize(static_cast<std::FILE*>(nullptr), DUNXLevelAll);
     logger.Initialize(static_cast<const char*>(nullptr), DUNXLevelAll);
@@ -104,30 +101,16 @@ TEST(DUNXLogger, FirstRealStreamWinsUntilFinalize) {
     auto* first = new DUNXStringOutputStream;
     logger.Initialize(first, DUNXLevelInfo);
     logger.Initialize(&callers, DUNXLevelDebug); // neither used nor deleted by the logger
-    logger.Initialize(file.get(), DUNXLevelDebug);
+    logger.Initialize(path, DUNXLevelDebug);     // built, then dropped
     fireLevels({10, 50});
     EXPECT_STREQ(first->GetText(), "<50>");
     EXPECT_EQ(callers.GetLength(), 0);
-    EXPECT_EQ(std::ftell(file.get()), 0);
     logger.Finalize();
     EXPECT_EQ(logger.GetThreshold(), DUNXLevelNone);
     auto* second = new DUNXStringOutputStream;
     logger.Initialize(second, DUNXLevelDebug);
     fireLevels({10});
     EXPECT_STREQ(second->GetText(), "<10>");
-}
-
-TEST(DUNXLogger, PathFormsWriteIntoTheirFileAndOnlyTheAbortExceptionLeavesThem) {
-    TempDir dir;
-    DUNXFilePath path(dir.file("path.log").c_str());
-    DUNXLogger byText, byPath;
-    byText.Initialize(dir.file("text.log").c_str(), DUNXLevelInfo);
-    byPath.Initialize(path, DUNXLevelInfo);
-    fireLevels({10, 50});
-    byText.Finalize();
-    byPath.Finalize();
-    EXPECT_EQ(dir.read("text.log"), "<50>");
-    EXPECT_EQ(dir.read("path.log"), "<50>");
 
     ThrowingLogger<DUNXAbortException> aborting;
     EXPECT_THROW(aborting.Initialize(dir.file("a.log").c_str(), DUNXLevelInfo), DUNXAbortException);
@@ -135,134 +118,39 @@ TEST(DUNXLogger, PathFormsWriteIntoTheirFileAndOnlyTheAbortExceptionLeavesThem) 
     ThrowingLogger<int> failing;
     EXPECT_NO_THROW(failing.Initialize(dir.file("b.log").c_str(), DUNXLevelInfo));
     EXPECT_NO_THROW(failing.Initialize(path, DUNXLevelInfo));
-    File open = temporaryFile(); // the FILE* form builds nothing that fails: it catches nothing
-    ASSERT_NE(open, nullptr);
-    EXPECT_THROW(failing.Initialize(open.get(), DUNXLevelInfo), int);
+    // The FILE* form builds nothing that can fail on its own, so it catches nothing.
+    EXPECT_THROW(failing.Initialize(stdout, DUNXLevelInfo), int);
 }
 
-namespace {
-
-struct ConsoleText {
-    std::string out, err;
-};
-
-// Runs `body` with descriptors 1 and 2 captured; no assertion may run inside,
-// as gtest would print its report into the capture.
-ConsoleText captureConsole(const std::function<void()>& body) {
-    OutputCapture out(1), err(2);
-    body();
-    return {out.text(), err.text()};
-}
-
-} // namespace
-
-TEST(DUNXConsoleLogger, WarningsAndWorseGoToStandardErrorAndTheVariableOverridesTheLevel) {
-    const struct {
-        const char* variable; // DUNXConsoleTracesLevel; null: unset
-        DUNXEventLevel given;
-        int threshold;
-    } cases[] = {{nullptr, DUNXLevelUnset, 50},   {nullptr, DUNXLevelDebug, 10},
-                 {nullptr, DUNXLevelWarning, 70}, {nullptr, DUNXLevelError, 80},
-                 {"ERROR", DUNXLevelUnset, 80},   {"ERROR", DUNXLevelAll, 80},
-                 {"ERROR", DUNXLevelNone, 80},    {"bogus", DUNXLevelAll, 999},
-                 {"WARNING", DUNXLevelAll, 999},  {"", DUNXLevelAll, 999}};
-    for (const auto& c : cases) {
-        SCOPED_TRACE(std::string(c.variable ? c.variable : "unset") + ", " +
-                     std::to_string(c.given));
-        ScopedEnvironmentVariable traces("DUNXConsoleTracesLevel", c.variable);
-        DUNXConsoleLogger console;
-        console.Initialize(c.given);
-        const ConsoleText text = captureConsole([] { fireLevels(); });
-        EXPECT_EQ(text.out, passed(c.threshold, 0, 70));
-        EXPECT_EQ(text.err, passed(c.threshold, 70));
-    }
-}
-
-TEST(DUNXConsoleLogger, FinalizeSilencesItUntilSetUpAgainAndLeavesDescriptorsOpen) {
-    ScopedEnvironmentVariable traces("DUNXConsoleTracesLevel", nullptr);
-    bool open = false;
-    const ConsoleText text = captureConsole([&] {
-        DUNXConsoleLogger::SetUp(DUNXLevelAll);
-        DUNXConsoleLogger::GetInstance().Finalize();
-        // Looked at before the capture puts the descriptors back, which would hide a close.
-        open = fcntl(1, F_GETFD) != -1 && fcntl(2, F_GETFD) != -1;
-        fireLevels({10, 80});
-        DUNXConsoleLogger::SetUp(DUNXLevelError);
-        fireLevels({50, 90});
-        DUNXConsoleLogger::GetInstance().Finalize();
-    });
-    EXPECT_TRUE(open);
-    EXPECT_EQ(text.out, "");
-    EXPECT_EQ(text.err, "<90>");
-}
-
-namespace {
-
-// Stands for the translation code that gives up at the first error.
-struct AbortOnError : DUNXEventListener {
-    AbortOnError() { DUNXEventBus::GetEventBus().AddListener(this); }
-    ~AbortOnError() override { DUNXEventBus::GetEventBus().RemoveListener(this); }
-    void HandleEvent(DUNXEvent& event) override {
-        if (event.GetLevel() >= DUNXLevelError)
-            throw DUNXAbortException();
-    }
-};
-
-} // namespace
-
-TEST(DUNXLogFileWrapper, LogFileIsCompleteOnceAnAbortHasUnwoundTheWrapper) {
+TEST(DUNXLogFileWrapper, LogFilesAreCompleteOnceAnAbortHasUnwoundTheirOwners) {
     TempDir dir;
     ScopedWorkingDirectory inside(dir.path());
-    const struct {
-        const char* file;
-        const char* logLevel; // null: unset
-        DUNXLogFileWrapper* (*make)();
-        const char* expected;
-    } cases[] = {
-        {"travex_read.log", nullptr, [] { return new DUNXLogFileWrapper(true); }, "<50><70><80>"},
-        {"travex_write.log", nullptr, [] { return new DUNXLogFileWrapper(false); }, "<50><70><80>"},
-        {"own.log", nullptr, [] { return new DUNXLogFileWrapper("own.log"); }, "<50><70><80>"},
-        {"travex_write.log", "ERROR", [] { return new DUNXLogFileWrapper(false); }, "<80>"},
-    };
-    for (const auto& c : cases) {
-        SCOPED_TRACE(std::string(c.file) + ", " + (c.logLevel ? c.logLevel : "unset"));
-        ScopedEnvironmentVariable level("DUNXLogLevel", c.logLevel);
-        dir.write(c.file, "from an earlier run\n"); // mode "w" truncates it
-        try {
-            std::unique_ptr<DUNXLogFileWrapper> wrapper(c.make());
-            AbortOnError stop; // registered after the wrapper, so the error is logged first
-            fireLevels({10, 30, 50, 70, 80, 90});
-        } catch (const DUNXAbortException&) {
-        }
-        EXPECT_EQ(dir.read(c.file), c.expected);
-    }
-}
-
-TEST(DUNXLogFileWrapper, CallersFileStaysOpen) {
     ScopedEnvironmentVariable level("DUNXLogLevel", nullptr);
-    File file = temporaryFile();
-    ASSERT_NE(file, nullptr);
-    const int fd = fileno(file.get());
-    {
-        DUNXLogFileWrapper wrapper(file.get());
-        fireLevels({10, 50});
+    dir.write("travex_read.log", "from an earlier run\n"); // mode "w" truncates it
+    std::FILE* callers = std::fopen("callers.log", "w+");
+    ASSERT_NE(callers, nullptr);
+    const int callersFd = fileno(callers);
+    try {
+        DUNXLogFileWrapper read(true), own("own.log"), borrowed(callers);
+        DUNXLogger byText, byPath;
+        DUNXFilePath path(dir.file("path.log").c_str());
+        byText.Initialize(dir.file("text.log").c_str(), DUNXLevelUnset);
+        byPath.Initialize(path, DUNXLevelUnset);
+        ScopedEnvironmentVariable errorsOnly("DUNXLogLevel", "ERROR");
+        DUNXLogFileWrapper write(false);
+        DUNXLogFileWrapper missing("no/such.log"), nullPath(static_cast<const char*>(nullptr)),
+            empty(""), nullFile(static_cast<std::FILE*>(nullptr)); // inert
+        for (const DUNXLogFileWrapper* inert : {&missing, &nullPath, &empty, &nullFile})
+            EXPECT_EQ(inert->GetFile(), nullptr);
+        fireLevels({10, 30, 50, 70, 80});
+        throw DUNXAbortException();
+    } catch (const DUNXAbortException&) {
     }
-    ASSERT_NE(fcntl(fd, F_GETFD), -1);
-    ASSERT_GT(std::fprintf(file.get(), "after"), 0);
-    std::rewind(file.get());
-    char buffer[64] = {};
-    const std::size_t n = std::fread(buffer, 1, sizeof buffer - 1, file.get());
-    EXPECT_EQ(std::string(buffer, n), "<50>after");
-}
-
-TEST(DUNXLogFileWrapper, UnopenableOrMissingFileLeavesTheWrapperInert) {
-    TempDir dir;
-    ASSERT_EQ(::mkdir(dir.file("travex_read.log").c_str(), 0700), 0); // a folder in the way
-    ScopedWorkingDirectory inside(dir.path());
-    DUNXLogFileWrapper folder(true), missing("no/such/folder.log"),
-        nullPath(static_cast<const char*>(nullptr)), empty(""),
-        nullFile(static_cast<std::FILE*>(nullptr));
-    for (const DUNXLogFileWrapper* wrapper : {&folder, &missing, &nullPath, &empty, &nullFile})
-        EXPECT_EQ(wrapper->GetFile(), nullptr);
-    EXPECT_NO_THROW(fireLevels());
+    for (const char* name : {"travex_read.log", "own.log", "text.log", "path.log"})
+        EXPECT_EQ(dir.read(name), "<50><70><80>") << name;
+    EXPECT_EQ(dir.read("travex_write.log"), "<80>");
+    ASSERT_NE(fcntl(callersFd, F_GETFD), -1); // the caller's file is still open and usable
+    EXPECT_GE(std::fputs("after", callers), 0);
+    std::fclose(callers);
+    EXPECT_EQ(dir.read("callers.log"), "<50><70><80>after");
 }
