@@ -10,66 +10,40 @@ namespace {
 std::atomic<int> g_ActiveCounters{0};
 std::atomic<long> g_Allocations{0};
 
-void* allocate(std::size_t size) noexcept {
-    if (g_ActiveCounters.load(std::memory_order_relaxed) > 0)
-        g_Allocations.fetch_add(1, std::memory_order_relaxed);
-    return std::malloc(size == 0 ? 1 : size);
-}
-
-void* allocateOrThrow(std::size_t size) {
-    if (void* block = allocate(size))
-        return block;
-    throw std::bad_alloc();
+void* allocate(std::size_t size, bool throwOnFailure) {
+    if (g_ActiveCounters > 0)
+        ++g_Allocations;
+    void* block = std::malloc(size == 0 ? 1 : size);
+    if (!block && throwOnFailure)
+        throw std::bad_alloc();
+    return block;
 }
 
 } // namespace
 
-namespace dunx::test {
-
-AllocationCounter::AllocationCounter() : m_Start(g_Allocations.load()) {
+dunx::test::AllocationCounter::AllocationCounter() : m_Start(g_Allocations) {
     ++g_ActiveCounters;
 }
 
-AllocationCounter::~AllocationCounter() {
+dunx::test::AllocationCounter::~AllocationCounter() {
     --g_ActiveCounters;
 }
 
-long AllocationCounter::count() const {
-    return g_Allocations.load() - m_Start;
+long dunx::test::AllocationCounter::count() const {
+    return g_Allocations - m_Start;
 }
 
-} // namespace dunx::test
-
-// Every plain form is replaced together: mixing a replaced new with the
-// runtime's delete (or AddressSanitizer's) would pair malloc with a foreign free.
-void* operator new(std::size_t size) {
-    return allocateOrThrow(size);
-}
-void* operator new[](std::size_t size) {
-    return allocateOrThrow(size);
-}
-void* operator new(std::size_t size, const std::nothrow_t&) noexcept {
-    return allocate(size);
-}
-void* operator new[](std::size_t size, const std::nothrow_t&) noexcept {
-    return allocate(size);
-}
-
-void operator delete(void* block) noexcept {
-    std::free(block);
-}
-void operator delete[](void* block) noexcept {
-    std::free(block);
-}
-void operator delete(void* block, std::size_t) noexcept {
-    std::free(block);
-}
-void operator delete[](void* block, std::size_t) noexcept {
-    std::free(block);
-}
-void operator delete(void* block, const std::nothrow_t&) noexcept {
-    std::free(block);
-}
-void operator delete[](void* block, const std::nothrow_t&) noexcept {
-    std::free(block);
-}
+// Every plain form is replaced, one per line, so that no block is freed by a runtime (or by
+// AddressSanitizer) that did not allocate it.
+// clang-format off
+void* operator new(std::size_t n) { return allocate(n, true); }
+void* operator new[](std::size_t n) { return allocate(n, true); }
+void* operator new(std::size_t n, const std::nothrow_t&) noexcept { return allocate(n, false); }
+void* operator new[](std::size_t n, const std::nothrow_t&) noexcept { return allocate(n, false); }
+void operator delete(void* block) noexcept { std::free(block); }
+void operator delete[](void* block) noexcept { std::free(block); }
+void operator delete(void* block, std::size_t) noexcept { std::free(block); }
+void operator delete[](void* block, std::size_t) noexcept { std::free(block); }
+void operator delete(void* block, const std::nothrow_t&) noexcept { std::free(block); }
+void operator delete[](void* block, const std::nothrow_t&) noexcept { std::free(block); }
+// clang-format on

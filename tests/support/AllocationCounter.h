@@ -1,20 +1,9 @@
-// AllocationCounter: counts heap allocations made through the global operator new.
+// AllocationCounter: counts the calls of the global operator new (all but the over-aligned forms)
+// made while any counter is alive. Read count() before asserting: an assertion may allocate.
 #pragma once
 
 namespace dunx::test {
 
-/// Counts the calls to the global `operator new` and `operator new[]` (plain and
-/// nothrow; the over-aligned forms are left to the runtime) made while at least
-/// one counter is alive. The replacement operators live in AllocationCounter.cpp
-/// and forward to malloc/free, so AddressSanitizer still sees every block.
-///
-///     long allocations;
-///     {
-///         dunx::test::AllocationCounter counter;
-///         text.hashCode();
-///         allocations = counter.count();  // read before any assertion allocates
-///     }
-///     EXPECT_EQ(allocations, 0);
 class AllocationCounter {
 public:
     AllocationCounter();
@@ -22,8 +11,7 @@ public:
     AllocationCounter(const AllocationCounter&) = delete;
     AllocationCounter& operator=(const AllocationCounter&) = delete;
 
-    /// Allocations since this counter was made.
-    long count() const;
+    long count() const; ///< allocations since this counter was made
 
 private:
     long m_Start;

@@ -1,4 +1,5 @@
-// ScopedEnvironmentVariable: changes one environment variable for the life of one object.
+// ScopedEnvironmentVariable: remembers one environment variable (or that it is unset) and restores
+// exactly that on destruction. The two-argument form also sets it now; a null value unsets it.
 #pragma once
 
 #include <cstdlib>
@@ -7,12 +8,6 @@
 
 namespace dunx::test {
 
-/// Remembers the value of `name` (or that it is not set) and restores exactly
-/// that on destruction, whatever the code under test did to the variable in
-/// between. The two-argument form also sets the variable now; a null `value`
-/// removes it.
-///
-///     dunx::test::ScopedEnvironmentVariable level("DUNXLogLevel", "3");
 class ScopedEnvironmentVariable {
 public:
     explicit ScopedEnvironmentVariable(const char* name) : m_Name(name) {
@@ -29,10 +24,7 @@ public:
 
 private:
     void apply(const char* value) {
-        if (value)
-            ::setenv(m_Name.c_str(), value, 1);
-        else
-            ::unsetenv(m_Name.c_str());
+        value ? ::setenv(m_Name.c_str(), value, 1) : ::unsetenv(m_Name.c_str());
     }
 
     std::string m_Name;

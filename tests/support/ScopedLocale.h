@@ -1,4 +1,5 @@
-// ScopedLocale: switches the process's C locale for the life of one object.
+// ScopedLocale: sets every category of the C locale to `name` and restores the previous locale on
+// destruction. A locale that is not installed leaves the current one in place: check isSet().
 #pragma once
 
 #include <clocale>
@@ -6,17 +7,11 @@
 
 namespace dunx::test {
 
-/// Sets every category of the C locale to `name` and restores the previous
-/// locale on destruction. Check `isSet()`: a locale that is not installed
-/// leaves the current one in place.
-///
-///     dunx::test::ScopedLocale utf8("C.UTF-8");
-///     ASSERT_TRUE(utf8.isSet());
 class ScopedLocale {
 public:
-    explicit ScopedLocale(const char* name) : m_Previous(std::setlocale(LC_ALL, nullptr)) {
-        m_IsSet = std::setlocale(LC_ALL, name) != nullptr;
-    }
+    explicit ScopedLocale(const char* name)
+        : m_Previous(std::setlocale(LC_ALL, nullptr)),
+          m_IsSet(std::setlocale(LC_ALL, name) != nullptr) {}
     ~ScopedLocale() { std::setlocale(LC_ALL, m_Previous.c_str()); }
     ScopedLocale(const ScopedLocale&) = delete;
     ScopedLocale& operator=(const ScopedLocale&) = delete;

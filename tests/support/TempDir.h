@@ -1,31 +1,45 @@
-// TempDir: a private directory for the files one test makes, removed afterwards.
+// TempDir: a fresh directory under $TMPDIR (or /tmp) for one test's files, removed with them.
 #pragma once
 
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <stdexcept>
 #include <string>
+
+#include <unistd.h>
 
 namespace dunx::test {
 
-/// Makes a fresh directory under $TMPDIR (or /tmp) and removes it with all its
-/// contents on destruction, so tests that write files never see each other's.
-///
-///     dunx::test::TempDir dir;
-///     dir.write("in.bin", std::string("a\0b", 3));
-///     DUNXFileInputStream in(dir.file("in.bin").c_str());
 class TempDir {
 public:
-    TempDir();
-    ~TempDir();
+    TempDir() {
+        const char* base = std::getenv("TMPDIR");
+        m_Path = std::string(base && *base ? base : "/tmp") + "/dunx-test-XXXXXX";
+        if (!::mkdtemp(m_Path.data()))
+            throw std::runtime_error("TempDir: cannot make " + m_Path);
+    }
+    ~TempDir() {
+        std::error_code ignored;
+        std::filesystem::remove_all(m_Path, ignored);
+    }
     TempDir(const TempDir&) = delete;
     TempDir& operator=(const TempDir&) = delete;
 
-    /// The directory, without a trailing '/'.
-    const std::string& path() const { return m_Path; }
-    /// `name` inside the directory.
+    const std::string& path() const { return m_Path; } ///< without a trailing '/'
     std::string file(const std::string& name) const { return m_Path + '/' + name; }
     /// Replaces the file `name` with exactly `bytes`.
-    void write(const std::string& name, const std::string& bytes) const;
+    void write(const std::string& name, const std::string& bytes) const {
+        std::ofstream out(file(name), std::ios::binary | std::ios::trunc);
+        if (!out.write(bytes.data(), static_cast<std::streamsize>(bytes.size())).flush())
+            throw std::runtime_error("TempDir: cannot write " + file(name));
+    }
     /// The whole content of the file `name`; "" when it cannot be read.
-    std::string read(const std::string& name) const;
+    std::string read(const std::string& name) const {
+        std::ifstream in(file(name), std::ios::binary);
+        return std::string(std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>());
+    }
 
 private:
     std::string m_Path;
