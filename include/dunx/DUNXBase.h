@@ -12,6 +12,7 @@
 #include <dunx/DUNXEvent.h>
 #include <dunx/DUNXEventBus.h>
 #include <dunx/DUNXFile.h>
+#include <dunx/DUNXFileHeader.h>
 #include <dunx/DUNXFilePath.h>
 #include <dunx/DUNXHashMap.h>
 #include <dunx/DUNXInputStream.h>
@@ -26,6 +27,8 @@
 #include <dunx/DUNXReferenceCount.h>
 #include <dunx/DUNXStreamFormatter.h>
 #include <dunx/DUNXString.h>
+#include <dunx/DUNXTaskEvent.h>
+#include <dunx/DUNXTimingLogger.h>
 #include <dunx/DUNXTrace.h>
 #include <dunx/DUNXValue.h>
 #include <dunx/Gk_Def.h>

@@ -79,9 +79,10 @@ public:
 
     /// The library's console logger, the one `SetUp` initialises.
     static DUNXConsoleLogger& GetInstance();
-    /// Switches console output on: `GetInstance().Initialize(level)`. The
-    /// timing monitor is taken by the timing logger once it exists; it is not
-    /// used yet.
+    /// Switches console output on (`GetInstance().Initialize(level)`), then
+    /// task timing (`DUNXTimingLogger::SetUp(monitor)`, which does nothing
+    /// unless `DUNXTaskTiming` is set). The host keeps `monitor` alive until
+    /// `DUNXTimingLogger::Stop`.
     static void SetUp(DUNXEventLevel level, DUNXBasePerformanceMonitor* monitor = nullptr);
 
 protected:

@@ -3,6 +3,7 @@
 #include <dunx/DUNXEnvironment.h>
 #include <dunx/DUNXEventBus.h>
 #include <dunx/DUNXOutputStream.h>
+#include <dunx/DUNXTimingLogger.h>
 
 #include "platform/Platform.h"
 
@@ -130,8 +131,9 @@ DUNXConsoleLogger& DUNXConsoleLogger::GetInstance() {
     return console;
 }
 
-void DUNXConsoleLogger::SetUp(DUNXEventLevel level, DUNXBasePerformanceMonitor*) {
+void DUNXConsoleLogger::SetUp(DUNXEventLevel level, DUNXBasePerformanceMonitor* monitor) {
     GetInstance().Initialize(level);
+    DUNXTimingLogger::SetUp(monitor);
 }
 
 // --- DUNXLogFileWrapper ----------------------------------------------------------

@@ -65,4 +65,14 @@ char** EnvironmentBlock();
 /// (an empty name or one holding '=').
 bool SetEnvironmentVariable(const char* name, const char* value);
 
+// --- Process ---------------------------------------------------------------------
+
+/// CPU seconds this process has spent in the kernel and in user code so far.
+/// False, leaving both untouched, when the system cannot tell.
+bool ProcessCpuTimes(double& kernelSeconds, double& userSeconds);
+
+/// Resident memory of this process in bytes: the peak so far and the current
+/// size. False, leaving both untouched, when the system cannot tell.
+bool ProcessMemory(unsigned long long& peakBytes, unsigned long long& currentBytes);
+
 } // namespace dunx::platform
