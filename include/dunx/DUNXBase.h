@@ -3,7 +3,13 @@
 
 #include <dunx/DUNXExport.h>
 
+#include <dunx/DUNIFile.h>
+#include <dunx/DUNIName.h>
+#include <dunx/DUNIObject.h>
+#include <dunx/DUNIOptionName.h>
 #include <dunx/DUNIResult.h>
+#include <dunx/DUNIUnit.h>
+#include <dunx/DUNIValue.h>
 #include <dunx/DUNXArgs.h>
 #include <dunx/DUNXCfgFile.h>
 #include <dunx/DUNXDynamicArray.h>

@@ -51,6 +51,9 @@ long WriteDescriptor(int fd, const char* data, std::size_t size);
 /// Closes descriptor `fd`.
 void CloseDescriptor(int fd);
 
+/// The descriptor under the open C file `file`; -1 for null.
+int DescriptorOf(std::FILE* file);
+
 /// Reads up to `size` bytes from descriptor `fd`, retrying when interrupted.
 /// Returns the bytes read (0 at the end), or -1 on a fault.
 long ReadDescriptor(int fd, char* data, std::size_t size);

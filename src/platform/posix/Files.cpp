@@ -96,4 +96,8 @@ long ReadDescriptor(int fd, char* data, std::size_t size) {
     }
 }
 
+int DescriptorOf(std::FILE* file) {
+    return file ? ::fileno(file) : -1;
+}
+
 } // namespace dunx::platform
