@@ -10,7 +10,9 @@
 #include <dunx/DUNIResult.h>
 #include <dunx/DUNIUnit.h>
 #include <dunx/DUNIValue.h>
+#include <dunx/DUNXAffine.h>
 #include <dunx/DUNXArgs.h>
+#include <dunx/DUNXAssemblyComponentTransform.h>
 #include <dunx/DUNXCfgFile.h>
 #include <dunx/DUNXDynamicArray.h>
 #include <dunx/DUNXEnvironment.h>
@@ -23,12 +25,15 @@
 #include <dunx/DUNXHashMap.h>
 #include <dunx/DUNXInputStream.h>
 #include <dunx/DUNXLogger.h>
+#include <dunx/DUNXMatrix.h>
 #include <dunx/DUNXMessageEvent.h>
+#include <dunx/DUNXMorph.h>
 #include <dunx/DUNXObject.h>
 #include <dunx/DUNXOption.h>
 #include <dunx/DUNXOptionName.h>
 #include <dunx/DUNXOptions.h>
 #include <dunx/DUNXOutputStream.h>
+#include <dunx/DUNXPoint.h>
 #include <dunx/DUNXProperties.h>
 #include <dunx/DUNXReferenceCount.h>
 #include <dunx/DUNXStreamFormatter.h>
@@ -37,6 +42,8 @@
 #include <dunx/DUNXTimingLogger.h>
 #include <dunx/DUNXTrace.h>
 #include <dunx/DUNXValue.h>
+#include <dunx/DUNXVectorf.h>
+#include <dunx/DUNXWeightPoint.h>
 #include <dunx/Gk_Def.h>
 #include <dunx/Gk_ErrMgr.h>
 #include <dunx/Gk_Observer.h>
