@@ -11,6 +11,7 @@
 #include <dunx/DUNIUnit.h>
 #include <dunx/DUNIValue.h>
 #include <dunx/DUNXAffine.h>
+#include <dunx/DUNXArchive.h>
 #include <dunx/DUNXArgs.h>
 #include <dunx/DUNXAssemblyComponentTransform.h>
 #include <dunx/DUNXCfgFile.h>
@@ -24,6 +25,7 @@
 #include <dunx/DUNXFilePath.h>
 #include <dunx/DUNXHashMap.h>
 #include <dunx/DUNXInputStream.h>
+#include <dunx/DUNXLibrary.h>
 #include <dunx/DUNXLogger.h>
 #include <dunx/DUNXMatrix.h>
 #include <dunx/DUNXMessageEvent.h>

@@ -78,4 +78,23 @@ bool ProcessCpuTimes(double& kernelSeconds, double& userSeconds);
 /// size. False, leaving both untouched, when the system cannot tell.
 bool ProcessMemory(unsigned long long& peakBytes, unsigned long long& currentBytes);
 
+// --- Modules ---------------------------------------------------------------------
+
+/// Loads the module `name` as given: no folder, prefix or suffix is added, so
+/// the system's own search rules apply. Returns an opaque handle, or null with
+/// the loader's reason (a missing dependency, a wrong file format, ...) in
+/// `reason`. A null or empty name is refused rather than taken as the program.
+void* LoadModule(const char* name, std::string& reason);
+
+/// The address that `module` exports under `symbol` (function or data), or null.
+void* FindModuleSymbol(void* module, const char* symbol);
+
+/// One more reference on the loaded `module`: the same handle again, to be
+/// released on its own. Null when the system cannot take one.
+void* RetainModule(void* module);
+
+/// Gives back one reference taken by `LoadModule` or `RetainModule`; the
+/// module is unmapped when its last reference goes.
+void ReleaseModule(void* module);
+
 } // namespace dunx::platform

@@ -9,10 +9,14 @@ namespace {
 // Constant-initialised, so they are ready for allocations made before main.
 std::atomic<int> g_ActiveCounters{0};
 std::atomic<long> g_Allocations{0};
+std::atomic<std::size_t> g_Largest{0};
 
 void* allocate(std::size_t size, bool throwOnFailure) {
-    if (g_ActiveCounters > 0)
+    if (g_ActiveCounters > 0) {
         ++g_Allocations;
+        if (size > g_Largest)
+            g_Largest = size;
+    }
     void* block = std::malloc(size == 0 ? 1 : size);
     if (!block && throwOnFailure)
         throw std::bad_alloc();
@@ -22,6 +26,7 @@ void* allocate(std::size_t size, bool throwOnFailure) {
 } // namespace
 
 dunx::test::AllocationCounter::AllocationCounter() : m_Start(g_Allocations) {
+    g_Largest = 0;
     ++g_ActiveCounters;
 }
 
@@ -31,6 +36,10 @@ dunx::test::AllocationCounter::~AllocationCounter() {
 
 long dunx::test::AllocationCounter::count() const {
     return g_Allocations - m_Start;
+}
+
+std::size_t dunx::test::AllocationCounter::largest() const {
+    return g_Largest;
 }
 
 // Every plain form is replaced, one per line, so that no block is freed by a runtime (or by

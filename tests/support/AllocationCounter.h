@@ -2,6 +2,8 @@
 // made while any counter is alive. Read count() before asserting: an assertion may allocate.
 #pragma once
 
+#include <cstddef>
+
 namespace dunx::test {
 
 class AllocationCounter {
@@ -12,6 +14,8 @@ public:
     AllocationCounter& operator=(const AllocationCounter&) = delete;
 
     long count() const; ///< allocations since this counter was made
+    /// Bytes of the largest single allocation since the newest live counter was made.
+    std::size_t largest() const;
 
 private:
     long m_Start;
