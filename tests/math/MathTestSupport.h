@@ -1,0 +1,158 @@
+// Helpers of the math tests: tables of computed values checked against expected ones,
+// printed text, allocation counts and seeded random motions for the property tests.
+#pragma once
+
+#include <dunx/DUNXAffine.h>
+#include <dunx/DUNXOutputStream.h>
+#include <dunx/DUNXPoint.h>
+#include <dunx/DUNXStreamFormatter.h>
+#include <dunx/DUNXVectorf.h>
+
+#include "support/AllocationCounter.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <iterator>
+#include <random>
+#include <string>
+#include <type_traits>
+#include <utility>
+#include <vector>
+
+namespace dunx::test {
+
+using Values = std::vector<double>;
+
+/// The values of a point (its coordinates through operator[]), of a float point, vector or
+/// direction, of an array, or a number alone.
+template <class T> Values values(const T& v) {
+    if constexpr (std::is_base_of_v<DUNXPoint, T>) {
+        Values coordinates;
+        for (int i = 0; i < v.GetDimension(); ++i)
+            coordinates.push_back(v[i]);
+        return coordinates;
+    } else if constexpr (std::is_same_v<T, DUNXDirectionf>) {
+        return {v.x(), v.y(), v.z()};
+    } else if constexpr (std::is_same_v<T, DUNXPointf> || std::is_same_v<T, DUNXVectorf>) {
+        return {v.x, v.y, v.z};
+    } else if constexpr (std::is_array_v<T> || std::is_same_v<T, Values>) {
+        return Values(std::begin(v), std::end(v));
+    } else {
+        return {static_cast<double>(v)};
+    }
+}
+/// A weight point's stored coordinates, then its weight (the index just past them).
+inline Values stored(const DUNXPoint& p) {
+    Values v;
+    for (int i = 0; i <= p.GetDimension(); ++i)
+        v.push_back(p[i]);
+    return v;
+}
+/// The values of each part, one after the other.
+template <class... Parts> Values join(const Parts&... parts) {
+    Values all;
+    for (const Values& part : {values(parts)...})
+        all.insert(all.end(), part.begin(), part.end());
+    return all;
+}
+
+/// Same length and each pair within `tolerance`; a NaN never matches.
+inline testing::AssertionResult near(const Values& actual, const Values& expected,
+                                     double tolerance = 0.0) {
+    bool same = actual.size() == expected.size();
+    for (size_t i = 0; same && i < actual.size(); ++i)
+        same = std::fabs(actual[i] - expected[i]) <= tolerance;
+    if (same)
+        return testing::AssertionSuccess();
+    return testing::AssertionFailure() << testing::PrintToString(actual) << " is not within "
+                                       << tolerance << " of " << testing::PrintToString(expected);
+}
+
+/// A row of a table of checks: what was computed, its values, the values expected and where
+/// the row is written. Write it with CASE(expression, expected values...).
+struct Case {
+    const char* what;
+    Values actual, expected;
+    const char* file;
+    int line;
+};
+#define CASE(actual, ...)                                                                          \
+    dunx::test::makeCase(#actual, dunx::test::values(actual), {__VA_ARGS__}, __FILE__, __LINE__)
+inline Case makeCase(const char* what, Values actual, Values expected, const char* file, int line) {
+    return Case{what, std::move(actual), std::move(expected), file, line};
+}
+inline void expectCase(const Case& c, double tolerance) {
+    testing::ScopedTrace trace(c.file, c.line, c.what);
+    EXPECT_TRUE(near(c.actual, c.expected, tolerance));
+}
+/// Checks every row exactly.
+template <class... Cases> void expectCases(const Cases&... cases) {
+    (expectCase(cases, 0.0), ...);
+}
+/// Checks every row, each value within `tolerance`.
+template <class... Cases> void expectNear(double tolerance, const Cases&... cases) {
+    (expectCase(cases, tolerance), ...);
+}
+
+/// The text `out << value` prints, with the formatter's defaults unless a double format is given.
+template <class T> std::string printed(const T& value, const char* doubleFormat = nullptr) {
+    DUNXStringOutputStream stream;
+    DUNXStreamFormatter out(&stream);
+    if (doubleFormat)
+        out.setDoubleFormat(doubleFormat);
+    out << value;
+    return stream.GetText();
+}
+
+/// The number of allocations `work` makes.
+template <class Work> long allocationsOf(Work work) {
+    AllocationCounter counter;
+    work();
+    return counter.count();
+}
+
+/// A map of space from nine row-major values.
+inline DUNXAffine3D affineFromRows(const double rowMajor[9]) {
+    DUNXAffine3D a;
+    for (int r = 0; r < 3; ++r)
+        a.SetRow(r, rowMajor + 3 * r);
+    return a;
+}
+
+/// y = M·x for a row-major 3 × 3 matrix.
+inline void multiply3(const double m[9], const double x[3], double y[3]) {
+    for (int r = 0; r < 3; ++r)
+        y[r] = m[3 * r] * x[0] + m[3 * r + 1] * x[1] + m[3 * r + 2] * x[2];
+}
+
+/// Seeded random numbers, vectors and rotations. The rotations come from unit quaternions,
+/// independently of the library's own axis/angle code.
+class RandomMotion {
+public:
+    explicit RandomMotion(unsigned seed) : m_Engine(seed) {}
+    double uniform(double low, double high) {
+        return std::uniform_real_distribution<double>(low, high)(m_Engine);
+    }
+    /// Three coordinates in [-range, range].
+    void vector(double v[3], double range) {
+        for (int i = 0; i < 3; ++i)
+            v[i] = uniform(-range, range);
+    }
+    /// A row-major rotation: the matrix of a uniformly drawn unit quaternion.
+    void rotation(double r[9]) {
+        std::normal_distribution<double> normal;
+        double w = normal(m_Engine), x = normal(m_Engine), y = normal(m_Engine),
+               z = normal(m_Engine);
+        const double n = std::sqrt(w * w + x * x + y * y + z * z);
+        w /= n, x /= n, y /= n, z /= n;
+        r[0] = 1 - 2 * (y * y + z * z), r[1] = 2 * (x * y - w * z), r[2] = 2 * (x * z + w * y);
+        r[3] = 2 * (x * y + w * z), r[4] = 1 - 2 * (x * x + z * z), r[5] = 2 * (y * z - w * x);
+        r[6] = 2 * (x * z - w * y), r[7] = 2 * (y * z + w * x), r[8] = 1 - 2 * (x * x + y * y);
+    }
+
+private:
+    std::mt19937 m_Engine;
+};
+
+} // namespace dunx::test
