@@ -4,6 +4,7 @@
 #include <dunx/DUNXExport.h>
 
 #include <memory>
+#include <string>
 
 /// An immutable sequence of 16-bit character units with a narrow (multibyte)
 /// rendering in the current C locale, made on first request and kept.
@@ -178,6 +179,20 @@ public:
     /// `count` units from `units + offset`, read up to the first 0 unit among
     /// them. Null `units`, `offset` < 0 or `count` < 0 give the null string.
     static DUNXString valueOf(unsigned short* units, int offset, int count);
+
+    // --- UTF-8, whatever the locale ------------------------------------------
+
+    /// The UTF-16 units of UTF-8 `bytes` (`length` bytes; -1: up to the
+    /// terminator). Each malformed sequence becomes one U+FFFD per maximal
+    /// subpart, as Python's `decode("utf-8", "replace")` does; characters above
+    /// U+FFFF become surrogate pairs; a 0 byte ends the text. Null `bytes` gives
+    /// the null string.
+    ///
+    ///     "h\xC3\xA9"  => u"h\u00E9";   "a\xFF b" => u"a\uFFFD b";   "\xE2\x82" => u"\uFFFD"
+    static DUNXString FromUtf8(const char* bytes, int length = -1);
+    /// The text as UTF-8; an unpaired surrogate unit becomes U+FFFD. The null
+    /// string gives "".
+    std::string ToUtf8() const;
 
 private:
     struct StaticText {};

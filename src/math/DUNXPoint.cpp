@@ -126,7 +126,7 @@ bool DUNXPoint::IsWithinTolerance(const DUNXPoint& other, const DUNXPoint& toler
     return true;
 }
 
-void DUNXPoint::CheckOther(const DUNXPoint& other) const {
+void DUNXPoint::CheckOther([[maybe_unused]] const DUNXPoint& other) const {
     Gk_ErrMgr::checkAbort();
 #ifndef NDEBUG
     if (other.m_Dimension != m_Dimension)

@@ -210,3 +210,40 @@ TEST(DUNXString, ComparisonsAndSearchesAllocateNothingAndNewStringsAllocateOnce)
               }),
               6); // one each
 }
+
+TEST(DUNXString, Utf8InAndOutWhateverTheLocaleWithOneReplacementPerMaximalSubpart) {
+    dunx::test::ScopedLocale plain("C"); // UTF-8 must not depend on it
+    const struct {
+        const char* bytes;
+        int length;
+        const char* units; // as textOf shows them
+    } rows[] = {
+        {"h\xC3\xA9", -1, "h\\u00E9"},
+        {"a\xFF"
+         "b",
+         -1, "a\\uFFFDb"},
+        {"\xE2\x82", -1, "\\uFFFD"},
+        {"\xE2\x82\xAC", -1, "\\u20AC"},
+        {"\xF0\x9F\x98\x80", -1, "\\uD83D\\uDE00"},
+        {"\xF0\x80\x80", -1, "\\uFFFD\\uFFFD\\uFFFD"}, // overlong
+        {"\xED\xA0\x80", -1, "\\uFFFD\\uFFFD\\uFFFD"}, // an encoded surrogate
+        {"\xC0\xAF", -1, "\\uFFFD\\uFFFD"},
+        {"\xF4\x90\x80\x80", -1, "\\uFFFD\\uFFFD\\uFFFD\\uFFFD"}, // past U+10FFFF
+        {"\xF1\x80\x80", -1, "\\uFFFD"},
+        {"\x80\xBF", -1, "\\uFFFD\\uFFFD"},
+        {"\xF4\x8F\xBF\xBF", -1, "\\uDBFF\\uDFFF"},
+        {"", -1, ""},
+        {"abc", 2, "ab"},
+        {"a\0b", 3, "a"},
+        {"\xC3\xA9", 1, "\\uFFFD"}, // the length cuts the sequence
+        {nullptr, -1, N},
+    };
+    for (const auto& row : rows)
+        EXPECT_EQ(textOf(S::FromUtf8(row.bytes, row.length)), row.units) << &row - rows;
+    const unsigned short lone[] = {'a', 0xD800, 'b', 0xDC00, 0};
+    const unsigned short pair[] = {0xD83D, 0xDE00, 0xE9, 0x20AC, 0};
+    EXPECT_EQ(S(lone).ToUtf8(), "a\xEF\xBF\xBD"
+                                "b\xEF\xBF\xBD");
+    EXPECT_EQ(S(pair).ToUtf8(), "\xF0\x9F\x98\x80\xC3\xA9\xE2\x82\xAC");
+    EXPECT_EQ(S().ToUtf8() + S("").ToUtf8(), "");
+}
