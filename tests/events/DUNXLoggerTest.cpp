@@ -10,10 +10,12 @@
 
 #include <gtest/gtest.h>
 
+#include <filesystem>
 #include <string>
 #include <vector>
 
 #include <fcntl.h>
+#include <sys/stat.h>
 
 using namespace dunx::test;
 
@@ -153,4 +155,23 @@ TEST(DUNXLogFileWrapper, LogFilesAreCompleteOnceAnAbortHasUnwoundTheirOwners) {
     EXPECT_GE(std::fputs("after", callers), 0);
     std::fclose(callers);
     EXPECT_EQ(dir.read("callers.log"), "<50><70><80>after");
+}
+
+TEST(DUNXLogFileWrapper, AFullDeviceOrAVanishedFolderLosesOnlyItsOwnText) {
+    ScopedEnvironmentVariable level("DUNXLogLevel", nullptr);
+    TempDir dir;
+    const std::string folder = dir.file("gone");
+    ASSERT_EQ(::mkdir(folder.c_str(), 0700), 0);
+    DUNXLogger other; // a second listener must still see every event
+    auto* text = new DUNXStringOutputStream;
+    other.Initialize(text, DUNXLevelAll);
+    {
+        DUNXLogFileWrapper full("/dev/full"), vanishing((folder + "/run.log").c_str());
+        ASSERT_TRUE(full.GetFile() && vanishing.GetFile());
+        fireLevels({50});
+        std::filesystem::remove_all(folder); // the open file outlives its folder
+        EXPECT_NO_THROW(fireLevels({70, 80}));
+    } // closing them reports nothing either
+    EXPECT_STREQ(text->GetText(), "<50><70><80>");
+    EXPECT_FALSE(std::filesystem::exists(folder));
 }

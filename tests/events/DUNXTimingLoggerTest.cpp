@@ -13,8 +13,8 @@
 #include <algorithm>
 #include <chrono>
 #include <cstdio>
-#include <ctime>
 #include <cstring>
+#include <ctime>
 #include <map>
 #include <string>
 #include <thread>
@@ -348,20 +348,33 @@ TEST(DUNXTimingLogger, DetailedModeReportsEachTask) {
 }
 
 TEST(DUNXTimingLogger, AnAbortedTranslationDoesNotSpoilTheNext) {
+    // Aborts a translation from inside the dispatch, as a user's listener may.
+    struct AbortingListener : DUNXEventListener {
+        AbortingListener() { DUNXEventBus::GetEventBus().AddListener(this); }
+        ~AbortingListener() override { DUNXEventBus::GetEventBus().RemoveListener(this); }
+        void HandleEvent(DUNXEvent& event) override {
+            if (event.IsA("DUNXStarReadEntitiesTaskEvent"))
+                throw DUNXAbortException();
+        }
+    };
     TimingOn on(nullptr);
-    for (bool productEnded : {true, false}) {
-        SCOPED_TRACE(productEnded);
+    // Thrown by the translator with or without a product end, or by a listener.
+    for (int way : {0, 1, 2}) {
+        SCOPED_TRACE(way);
         EventRecorder recorder;
         try {
+            AbortingListener listener;
             DUNXStartProductEvent::Fire("Part", "test");
             DUNXStartConversionTaskEvent::Fire();
             DUNXStartReadFileTaskEvent::Fire("a.stl");
+            if (way == 2)
+                DUNXStartReadEntitiesTaskEvent::Fire();
             throw DUNXAbortException();
         } catch (const DUNXAbortException&) {
-            if (productEnded)
+            if (way != 1)
                 DUNXEndProductEvent::Fire(DUNI_A_ABORTED);
         }
-        EXPECT_EQ(DUNXTimingLogger::GetInstance().GetOpenTaskCount(), productEnded ? 0 : 3);
+        EXPECT_EQ(DUNXTimingLogger::GetInstance().GetOpenTaskCount(), way == 1 ? 3 : 0);
         fireNest("b.stl");
         // The second product is summarised alone, its tasks counted once each.
         const auto rows = lastSummary(lines(recorder));
