@@ -1,0 +1,161 @@
+#!/usr/bin/env python3
+"""Mutation pass over the library: do the tests notice a one-token fault?
+
+    tools/mutation.py [--count N] [--seed S] [--files GLOB] [--build-dir DIR] [--list]
+
+Makes a private copy of the tree (a git worktree of HEAD with the uncommitted
+changes applied), builds it once, then for each sampled mutant changes one
+operator, constant or condition in one library source, rebuilds incrementally,
+runs the whole test suite and puts the line back. A mutant is killed when the
+build still works and a test fails (or the suite times out); it survives when
+every test passes. Mutants that do not compile are not counted. Survivors are
+listed with their place so that a test can be written for each one that
+changes what a caller can observe (some are equivalent: same behaviour).
+"""
+
+import argparse
+import fnmatch
+import os
+import random
+import re
+import shutil
+import subprocess
+import sys
+import tempfile
+import time
+
+# (pattern, replacement, description); applied to one occurrence at a time.
+MUTATORS = [
+    # Binary operators stand between blanks in this code base (clang-format), which
+    # keeps template brackets, shifts, arrows and unary signs out of the way.
+    (r" == ", " != ", "== to !="),
+    (r" != ", " == ", "!= to =="),
+    (r" <= ", " < ", "<= to <"),
+    (r" >= ", " > ", ">= to >"),
+    (r" < ", " <= ", "< to <="),
+    (r" > ", " >= ", "> to >="),
+    (r" && ", " || ", "&& to ||"),
+    (r" \|\| ", " && ", "|| to &&"),
+    (r" \+ ", " - ", "+ to -"),
+    (r" - ", " + ", "- to +"),
+    (r"\b0\b", "1", "0 to 1"),
+    (r"\b1\b", "0", "1 to 0"),
+    (r"\btrue\b", "false", "true to false"),
+    (r"\bfalse\b", "true", "false to true"),
+    (r"\bif \(", "if (!", "condition negated"),
+]
+
+SKIP_LINE = re.compile(r'^\s*(#|//|/\*|\*)|"')  # preprocessor, comments, string literals
+
+
+def run(command, cwd, timeout=None, quiet=True):
+    return subprocess.run(command, cwd=cwd, timeout=timeout,
+                          stdout=subprocess.DEVNULL if quiet else None,
+                          stderr=subprocess.DEVNULL if quiet else None).returncode
+
+
+def sites(root, pattern):
+    """Every (file, line number, column, mutator) in the library sources."""
+    found = []
+    for folder, _, names in os.walk(os.path.join(root, "src")):
+        for name in sorted(names):
+            path = os.path.relpath(os.path.join(folder, name), root)
+            if not name.endswith(".cpp") or "/platform/" in path:
+                continue
+            if not fnmatch.fnmatch(path, pattern):
+                continue
+            with open(os.path.join(root, path), encoding="utf-8") as source:
+                for number, line in enumerate(source, 1):
+                    if SKIP_LINE.search(line) or "assert" in line:
+                        continue
+                    for index, (regex, _, _) in enumerate(MUTATORS):
+                        for match in re.finditer(regex, line):
+                            found.append((path, number, match.start(), index))
+    return found
+
+
+def main():
+    parser = argparse.ArgumentParser(description=__doc__.splitlines()[0])
+    parser.add_argument("--count", type=int, default=160, help="mutants to try (default 160)")
+    parser.add_argument("--seed", type=int, default=1, help="sampling seed (default 1)")
+    parser.add_argument("--files", default="src/*", help="only sources matching this glob")
+    parser.add_argument("--build-dir", default=None, help="keep the copy and its build here")
+    parser.add_argument("--list", action="store_true", help="only count the candidate sites")
+    args = parser.parse_args()
+
+    repo = subprocess.check_output(["git", "rev-parse", "--show-toplevel"], text=True).strip()
+    candidates = sites(repo, args.files)
+    print(f"{len(candidates)} candidate mutations in the library sources")
+    if args.list or not candidates:
+        return 0
+
+    work = args.build_dir or tempfile.mkdtemp(prefix="dunx-mutation-")
+    tree = os.path.join(work, "tree")
+    build = os.path.join(work, "build")
+    if not os.path.isdir(tree):
+        subprocess.check_call(["git", "worktree", "add", "-q", "--detach", tree, "HEAD"], cwd=repo)
+        diff = subprocess.check_output(["git", "diff", "--binary", "HEAD"], cwd=repo)
+        if diff:
+            subprocess.run(["git", "apply"], input=diff, cwd=tree, check=True)
+    generator = ["-G", "Ninja"] if shutil.which("ninja") else []
+    if run(["cmake", "-S", tree, "-B", build, *generator, "-DCMAKE_BUILD_TYPE=Debug",
+            "-DDUNX_BUILD_TOOLS=OFF"], cwd=tree) != 0 or run(["cmake", "--build", build], tree) != 0:
+        print("the unmutated tree does not build")
+        return 1
+    if run(["ctest", "--test-dir", build, "-j", "2", "--timeout", "60"], tree, timeout=900) != 0:
+        print("the unmutated tree fails its tests")
+        return 1
+
+    random.seed(args.seed)
+    sample = random.sample(candidates, min(args.count, len(candidates)))
+    killed, survived, broken = 0, [], 0
+    started = time.time()
+    for number, (path, line_number, column, index) in enumerate(sample, 1):
+        regex, replacement, description = MUTATORS[index]
+        source = os.path.join(tree, path)
+        with open(source, encoding="utf-8") as handle:
+            original = handle.read()
+        lines = original.split("\n")
+        line = lines[line_number - 1]
+        match = re.compile(regex).match(line, column)
+        if not match:
+            continue
+        lines[line_number - 1] = line[:column] + replacement + line[match.end():]
+        with open(source, "w", encoding="utf-8") as handle:
+            handle.write("\n".join(lines))
+        try:
+            if run(["cmake", "--build", build], tree, timeout=600) != 0:
+                broken += 1
+                verdict = "does not build"
+            else:
+                try:
+                    passed = run(["ctest", "--test-dir", build, "-j", "2", "--timeout", "30"],
+                                 tree, timeout=600) == 0
+                except subprocess.TimeoutExpired:
+                    passed = False
+                if passed:
+                    survived.append((path, line_number, description, line.strip()))
+                    verdict = "SURVIVED"
+                else:
+                    killed += 1
+                    verdict = "killed"
+        finally:
+            with open(source, "w", encoding="utf-8") as handle:
+                handle.write(original)
+        print(f"[{number}/{len(sample)}] {path}:{line_number} {description}: {verdict}", flush=True)
+
+    run(["cmake", "--build", build], tree)
+    counted = killed + len(survived)
+    score = 100.0 * killed / counted if counted else 0.0
+    print(f"\n{killed} killed, {len(survived)} survived, {broken} did not build; "
+          f"score {score:.1f}% of {counted} in {time.time() - started:.0f} s")
+    for path, line_number, description, text in survived:
+        print(f"  survived: {path}:{line_number} ({description}): {text}")
+    if not args.build_dir:
+        subprocess.run(["git", "worktree", "remove", "--force", tree], cwd=repo)
+        shutil.rmtree(work, ignore_errors=True)
+    return 0
+
+
+if __name__ == "__main__":
+    sys.exit(main())
