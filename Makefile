@@ -1,5 +1,6 @@
 # DUNXBase: a thin front end over CMake and CTest.
 #
+#   make demo                      build dunx and translate the bundled example
 #   make test                      configure, build, run every test
 #   make build                     configure and build (library and tests)
 #   make install PREFIX=/opt/dunx  configure, build and install
@@ -14,6 +15,8 @@
 #   JOBS=<cores>                    parallel build and test jobs
 #   CMAKE_ARGS=...                  more arguments for the CMake configure step
 #   CTEST_ARGS=...                  more arguments for ctest (e.g. -R DUNXString)
+#   DEMO_INPUT=...                  the STL or assembly file of make demo
+#   DEMO_ARGS=...                   more arguments for dunx in make demo (e.g. --unit in)
 
 BUILD_DIR ?= build
 BUILD_TYPE ?= Debug
@@ -24,6 +27,9 @@ SANITIZE ?=
 CMAKE_ARGS ?=
 CTEST_ARGS ?=
 TEST_TIMEOUT ?= 300
+DEMO_INPUT ?= examples/assembly/trolley.cfg
+DEMO_DIR ?= $(BUILD_DIR)/demo
+DEMO_ARGS ?=
 
 # Make always defines CXX; pass it on only when the caller set it.
 ifneq ($(filter environment command line,$(origin CXX)),)
@@ -44,7 +50,7 @@ CONFIGURE_ARGS := $(GENERATOR) \
 	-DCMAKE_EXPORT_COMPILE_COMMANDS=ON \
 	$(CMAKE_ARGS)
 
-.PHONY: all test build configure deps install clean
+.PHONY: all test build configure deps install clean demo
 
 all: build
 
@@ -60,6 +66,22 @@ build: configure
 test: build
 	ctest --test-dir "$(BUILD_DIR)" --output-on-failure --no-tests=error \
 		--timeout $(TEST_TIMEOUT) -j $(JOBS) $(CTEST_ARGS)
+
+# The driver and its translator only, then one translation of the bundled example.
+DUNX := $(BUILD_DIR)/tools/dunx/dunx
+DEMO_OUTPUT := $(DEMO_DIR)/$(basename $(notdir $(DEMO_INPUT))).obj
+
+demo: configure
+	cmake --build "$(BUILD_DIR)" --parallel $(JOBS) --target dunx
+	@mkdir -p "$(DEMO_DIR)"
+	"$(DUNX)" translate "$(DEMO_INPUT)" "$(DEMO_OUTPUT)" $(DEMO_ARGS) \
+		--report "$(DEMO_DIR)/report.json" --log-dir "$(DEMO_DIR)/logs"
+	@echo
+	@echo "The demo translated $(DEMO_INPUT):"
+	@echo "  output       $(DEMO_OUTPUT)"
+	@echo "  report       $(DEMO_DIR)/report.json"
+	@echo "  log files    $(DEMO_DIR)/logs/travex_read.log and travex_write.log"
+	@echo "  the program  $(DUNX) (try --help)"
 
 install: build
 	cmake --install "$(BUILD_DIR)" --prefix "$(PREFIX)"

@@ -2,15 +2,19 @@
 # Checks that the tools and packages a DUNXBase build needs are on this machine.
 #
 #   tools/check-deps.sh [--cxx COMPILER] [--no-tests] [--sanitize LIST] [--pkg-config] [--make]
+#                       [--check-only] [--bench]
 #
 #   --cxx COMPILER   the C++ compiler to check (default: $CXX, else c++ or g++)
 #   --no-tests       do not require GoogleTest (a build with -DBUILD_TESTING=OFF)
 #   --sanitize LIST  also require that COMPILER links programs with -fsanitize=LIST
 #   --pkg-config     also require pkg-config (otherwise it is optional)
 #   --make           also require GNU make
+#   --check-only     never install: name what is missing and fail
+#   --bench          also require what bench/ needs: Google Benchmark and the peers
 #
-# When something is missing it names the Debian packages to install and fails.
-# Under CI (CI=true) as root it installs them itself and checks again.
+# When a Debian package is missing and this user is root, or may run sudo
+# without a password, it says so, installs the packages with apt-get and
+# checks again. Otherwise it prints the one apt-get install line and fails.
 set -euo pipefail
 
 cxx="${CXX:-}"
@@ -18,6 +22,8 @@ need_tests=1
 sanitize=""
 need_pkg_config=0
 need_make=0
+may_install=1
+need_bench=0
 
 while [[ $# -gt 0 ]]; do
     case "$1" in
@@ -26,7 +32,9 @@ while [[ $# -gt 0 ]]; do
         --sanitize) sanitize="${2:?--sanitize needs a list, e.g. address,undefined}"; shift 2 ;;
         --pkg-config) need_pkg_config=1; shift ;;
         --make) need_make=1; shift ;;
-        -h|--help) sed -n '2,13p' "$0" | sed 's/^# \{0,1\}//'; exit 0 ;;
+        --check-only) may_install=0; shift ;;
+        --bench) need_bench=1; shift ;;
+        -h|--help) sed -n '2,17p' "$0" | sed 's/^# \{0,1\}//'; exit 0 ;;
         *) echo "check-deps: unknown argument '$1' (see --help)" >&2; exit 2 ;;
     esac
 done
@@ -116,6 +124,20 @@ check() {
         missing+=(make)
         problems+=("make not found")
     fi
+
+    if [[ $need_bench -eq 1 ]]; then
+        local entry header
+        # header to look for:Debian package that installs it
+        for entry in benchmark/benchmark.h:libbenchmark-dev spdlog/spdlog.h:libspdlog-dev \
+                     ini.h:libinih-dev cereal/cereal.hpp:libcereal-dev \
+                     eigen3/Eigen/Core:libeigen3-dev; do
+            header="${entry%%:*}"
+            if [[ ! -e "/usr/include/$header" && ! -e "/usr/local/include/$header" ]]; then
+                missing+=("${entry#*:}")
+                problems+=("<$header> not found (needed by the benchmarks)")
+            fi
+        done
+    fi
     return 0
 }
 
@@ -136,12 +158,24 @@ fi
 # Unique package names, in order.
 mapfile -t packages < <(printf '%s\n' "${missing[@]}" | awk '!seen[$0]++')
 
-if [[ "${CI:-}" == "true" && "$(id -u)" -eq 0 ]] && command -v apt-get >/dev/null 2>&1; then
+# How to run apt-get as root here: directly, through sudo without a password,
+# or not at all.
+as_root=()
+can_install=0
+if [[ $may_install -eq 1 ]] && command -v apt-get >/dev/null 2>&1; then
+    if [[ "$(id -u)" -eq 0 ]]; then
+        can_install=1
+    elif command -v sudo >/dev/null 2>&1 && sudo -n true >/dev/null 2>&1; then
+        as_root=(sudo -n)
+        can_install=1
+    fi
+fi
+
+if [[ $can_install -eq 1 ]]; then
     report
-    echo "check-deps: CI: running apt-get install -y ${packages[*]}" >&2
-    export DEBIAN_FRONTEND=noninteractive
-    apt-get update -qq >&2
-    apt-get install -y -qq "${packages[@]}" >&2
+    echo "check-deps: installing them: ${as_root[*]:+${as_root[*]} }apt-get install -y ${packages[*]}" >&2
+    "${as_root[@]}" env DEBIAN_FRONTEND=noninteractive apt-get update -qq >&2
+    "${as_root[@]}" env DEBIAN_FRONTEND=noninteractive apt-get install -y -qq "${packages[@]}" >&2
     check
     if [[ ${#missing[@]} -eq 0 ]]; then
         exit 0

@@ -1,0 +1,16 @@
+// Ctrl-C during a translation: a request to abort, answered at the next poll.
+#pragma once
+
+namespace dunx::driver {
+
+/// Installs handlers for SIGINT and SIGTERM that only set a flag, and makes
+/// `DUNXCallbackShared::m_AbortCallback` answer it, so the translation unwinds
+/// with `DUNXAbortException` at its next poll. A second signal ends the process
+/// at once with the default action. SIGPIPE is ignored from then on.
+void InstallInterruptHandler();
+
+/// Puts back the default actions of SIGINT and SIGTERM and clears the abort
+/// callback (SIGPIPE stays ignored: the summary may meet a closed pipe too).
+void RemoveInterruptHandler();
+
+} // namespace dunx::driver
