@@ -70,11 +70,6 @@ std::vector<std::string> lines(const EventRecorder& recorder) {
     return all;
 }
 
-std::vector<std::string> concat(std::vector<std::string> a, const std::vector<std::string>& b) {
-    a.insert(a.end(), b.begin(), b.end());
-    return a;
-}
-
 // Answers CPU times that grow by 0.5 s kernel and 1 s user at each query.
 struct ScriptedMonitor : DUNXBasePerformanceMonitor {
     void PrintMemoryReport() override { DUNXInfo::Printf("memory report"); }
@@ -223,7 +218,10 @@ TEST(DUNXTimingLogger, SummaryListsTasksInSlotOrderAndTheTableGrowsPastThreeQuar
     {
         EventRecorder recorder;
         logger.Finalize(); // no monitor: no memory block, no process line, no start line
-        EXPECT_EQ(lines(recorder), concat(concat(kLegend, rows), {kTimingEnd}));
+        auto expected = kLegend;
+        expected.insert(expected.end(), rows.begin(), rows.end());
+        expected.push_back(kTimingEnd);
+        EXPECT_EQ(lines(recorder), expected);
         EXPECT_TRUE(!logger.IsEnabled() && logger.GetTaskCount() == 0);
     }
     {
@@ -333,18 +331,17 @@ TEST(DUNXTimingLogger, DetailedModeReportsEachTask) {
     EventRecorder recorder;
     DUNXStartOptionsTaskEvent::Fire();
     DUNXEndOptionsTaskEvent::Fire(DUNI_S_SUCCESS);
-    const std::string stars(27, '*');
+    const std::string stars(27, '*'), zero = " =     0.0000 seconds. ";
     auto text = lines(recorder);
     ASSERT_EQ(text.size(), 8u);
-    EXPECT_EQ(text[0], stars + "Options Started" + stars);
-    EXPECT_EQ(text[1], stars + "Options Ending" + stars);
-    EXPECT_EQ(text[2], "================ Start Task Performance Info ================");
-    EXPECT_EQ(text[3].substr(0, 53), padded(" Elapsed Time") + " = ");
-    EXPECT_EQ(text[3].substr(63), " seconds. ");
-    EXPECT_EQ(text[4], padded(" CPU Time") + " =     0.0000 seconds. ");
-    EXPECT_EQ(text[5], padded(" User Time") + " =     0.0000 seconds. ");
-    EXPECT_EQ(text[6], padded(" Kernel Time") + " =     0.0000 seconds. ");
-    EXPECT_EQ(text[7], "================= End Task Performance Info =================");
+    EXPECT_EQ(text[3].substr(63), " seconds. "); // the elapsed time itself varies
+    text[3] = text[3].substr(0, 53);
+    EXPECT_EQ(text, (std::vector<std::string>{
+                        stars + "Options Started" + stars, stars + "Options Ending" + stars,
+                        "================ Start Task Performance Info ================",
+                        padded(" Elapsed Time") + " = ", padded(" CPU Time") + zero,
+                        padded(" User Time") + zero, padded(" Kernel Time") + zero,
+                        "================= End Task Performance Info ================="}));
 }
 
 TEST(DUNXTimingLogger, AnAbortedTranslationDoesNotSpoilTheNext) {
