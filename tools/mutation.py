@@ -1,10 +1,10 @@
 #!/usr/bin/env python3
 """Mutation pass over the library: do the tests notice a one-token fault?
 
-    tools/mutation.py [--count N] [--seed S] [--files GLOB] [--build-dir DIR] [--list]
+    tools/mutation.py [--count N] [--seed S] [--files GLOB] [--build-dir DIR] [--committed] [--list]
 
 Makes a private copy of the tree (a git worktree of HEAD with the uncommitted
-changes applied), builds it once, then for each sampled mutant changes one
+changes applied, or HEAD alone with --committed), builds it once, then for each sampled mutant changes one
 operator, constant or condition in one library source, rebuilds incrementally,
 runs the whole test suite and puts the line back. A mutant is killed when the
 build still works and a test fails (or the suite times out); it survives when
@@ -80,13 +80,14 @@ def main():
     parser.add_argument("--seed", type=int, default=1, help="sampling seed (default 1)")
     parser.add_argument("--files", default="src/*", help="only sources matching this glob")
     parser.add_argument("--build-dir", default=None, help="keep the copy and its build here")
+    parser.add_argument("--committed", action="store_true",
+                        help="mutate HEAD as committed, without the uncommitted changes")
     parser.add_argument("--list", action="store_true", help="only count the candidate sites")
     args = parser.parse_args()
 
     repo = subprocess.check_output(["git", "rev-parse", "--show-toplevel"], text=True).strip()
-    candidates = sites(repo, args.files)
-    print(f"{len(candidates)} candidate mutations in the library sources")
-    if args.list or not candidates:
+    if args.list:
+        print(f"{len(sites(repo, args.files))} candidate mutations in the library sources")
         return 0
 
     work = args.build_dir or tempfile.mkdtemp(prefix="dunx-mutation-")
@@ -94,9 +95,15 @@ def main():
     build = os.path.join(work, "build")
     if not os.path.isdir(tree):
         subprocess.check_call(["git", "worktree", "add", "-q", "--detach", tree, "HEAD"], cwd=repo)
-        diff = subprocess.check_output(["git", "diff", "--binary", "HEAD"], cwd=repo)
+        diff = b"" if args.committed else subprocess.check_output(
+            ["git", "diff", "--binary", "HEAD"], cwd=repo)
         if diff:
             subprocess.run(["git", "apply"], input=diff, cwd=tree, check=True)
+    # The places come from the copy: it is what gets mutated.
+    candidates = sites(tree, args.files)
+    print(f"{len(candidates)} candidate mutations in the library sources")
+    if not candidates:
+        return 0
     generator = ["-G", "Ninja"] if shutil.which("ninja") else []
     if run(["cmake", "-S", tree, "-B", build, *generator, "-DCMAKE_BUILD_TYPE=Debug",
             "-DDUNX_BUILD_TOOLS=OFF"], cwd=tree) != 0 or run(["cmake", "--build", build], tree) != 0:

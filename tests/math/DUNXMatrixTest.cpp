@@ -165,6 +165,9 @@ TEST(DUNX4x4Matrix, DeterminantAndScalingAreCachedUntilAChange) {
 
 TEST(DUNX4x4Matrix, IsIdentityHasNoTolerance) {
     EXPECT_TRUE(DUNX4x4MatrixI.IsIdentity() && M4().IsIdentity());
+    float identity[16];
+    M4().GetMatrix(identity);
+    expectCases(CASE(identity, 1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1));
     EXPECT_TRUE(M4(DUNX4x4MatrixI) == DUNX4x4MatrixI);
     for (int i = 0; i < 16; ++i) {
         M4 m;

@@ -141,9 +141,13 @@ TEST(DUNXMorph, CompositionAndInverseOfPlaneMorphs) {
     EXPECT_TRUE(turn.isEqual(DUNXMorph2D(quarter, P2(1, 1e-7), 1)));
     EXPECT_FALSE(turn.isEqual(DUNXMorph3D()));
     DUNXMorph3D untouched(P3(1, 2, 3));
+    DUNXMorph2D kept(grow);
     turn.Multiply(grow, untouched); // a morph of another class is left alone
     turn.Inverse(untouched);
+    untouched.Multiply(turn, untouched); // so is one multiplied by another class
+    turn.Multiply(untouched, kept);
     EXPECT_EQ(values(untouched.translation()), Values({1, 2, 3}));
+    EXPECT_TRUE(kept.isEqual(grow));
     EXPECT_TRUE(turn.GetAffine() == quarter);
     EXPECT_EQ(turn.GetTranslation()[0], 1.0);
 }
