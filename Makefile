@@ -5,6 +5,8 @@
 #   make build                     configure and build (library and tests)
 #   make install PREFIX=/opt/dunx  configure, build and install
 #   make clean                     remove the build folder
+#   make bench                     benchmarks against limits and peers (Release)
+#   make fuzz                      every fuzz target for FUZZ_SECONDS (default 60)
 #
 # Variables:
 #   BUILD_DIR=build                 build folder
@@ -88,3 +90,27 @@ install: build
 
 clean:
 	rm -rf "$(BUILD_DIR)"
+
+# Benchmarks: a Release build of its own, then one table of ratios to each
+# group's limit (median of the repetitions). BENCH_ARGS go to the program,
+# e.g. BENCH_ARGS=--benchmark_filter=string.
+BENCH_DIR ?= build-bench
+BENCH_ARGS ?=
+
+.PHONY: bench
+bench:
+	@bash tools/check-deps.sh --bench $(if $(DUNX_CXX),--cxx "$(DUNX_CXX)") --no-tests
+	cmake -S . -B "$(BENCH_DIR)" $(if $(wildcard $(BENCH_DIR)/CMakeCache.txt),,$(if $(shell command -v ninja 2>/dev/null),-G Ninja)) \
+		-DCMAKE_BUILD_TYPE=Release -DDUNX_BENCH=ON -DBUILD_TESTING=OFF -DDUNX_BUILD_TOOLS=OFF \
+		$(if $(DUNX_CXX),-DCMAKE_CXX_COMPILER="$(DUNX_CXX)")
+	cmake --build "$(BENCH_DIR)" --parallel $(JOBS) --target dunx_bench
+	"$(BENCH_DIR)/bench/dunx_bench" $(BENCH_ARGS)
+
+# Fuzzing: every libFuzzer target of fuzz/ for FUZZ_SECONDS each (clang,
+# -DDUNX_FUZZ=ON); FUZZ_TARGETS="archive string" runs only those.
+FUZZ_SECONDS ?= 60
+FUZZ_TARGETS ?=
+
+.PHONY: fuzz
+fuzz:
+	bash tools/run-fuzz.sh --seconds $(FUZZ_SECONDS) $(FUZZ_TARGETS)

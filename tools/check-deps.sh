@@ -2,7 +2,7 @@
 # Checks that the tools and packages a DUNXBase build needs are on this machine.
 #
 #   tools/check-deps.sh [--cxx COMPILER] [--no-tests] [--sanitize LIST] [--pkg-config] [--make]
-#                       [--check-only] [--bench]
+#                       [--check-only] [--bench] [--valgrind]
 #
 #   --cxx COMPILER   the C++ compiler to check (default: $CXX, else c++ or g++)
 #   --no-tests       do not require GoogleTest (a build with -DBUILD_TESTING=OFF)
@@ -11,6 +11,7 @@
 #   --make           also require GNU make
 #   --check-only     never install: name what is missing and fail
 #   --bench          also require what bench/ needs: Google Benchmark and the peers
+#   --valgrind       also require valgrind (the memory check of .ci/run)
 #
 # When a Debian package is missing and this user is root, or may run sudo
 # without a password, it says so, installs the packages with apt-get and
@@ -22,6 +23,7 @@ need_tests=1
 sanitize=""
 need_pkg_config=0
 need_make=0
+need_valgrind=0
 may_install=1
 need_bench=0
 
@@ -32,6 +34,7 @@ while [[ $# -gt 0 ]]; do
         --sanitize) sanitize="${2:?--sanitize needs a list, e.g. address,undefined}"; shift 2 ;;
         --pkg-config) need_pkg_config=1; shift ;;
         --make) need_make=1; shift ;;
+        --valgrind) need_valgrind=1; shift ;;
         --check-only) may_install=0; shift ;;
         --bench) need_bench=1; shift ;;
         -h|--help) sed -n '2,17p' "$0" | sed 's/^# \{0,1\}//'; exit 0 ;;
@@ -118,6 +121,11 @@ check() {
     if [[ $need_pkg_config -eq 1 ]] && ! command -v pkg-config >/dev/null 2>&1; then
         missing+=(pkg-config)
         problems+=("pkg-config not found")
+    fi
+
+    if [[ $need_valgrind -eq 1 ]] && ! command -v valgrind >/dev/null 2>&1; then
+        missing+=(valgrind)
+        problems+=("valgrind not found")
     fi
 
     if [[ $need_make -eq 1 ]] && ! command -v make >/dev/null 2>&1; then

@@ -8,6 +8,8 @@
 #include <cstdio>
 #include <memory>
 #include <string>
+#include <string_view>
+#include <unordered_map>
 #include <vector>
 
 /// One key of a section: a name and the comma-separated pieces of its value,
@@ -120,5 +122,8 @@ private:
     void readLine(char* line, long number, DUNXCfgFileSection*& current);
 
     std::vector<std::unique_ptr<DUNXCfgFileSection>> m_Sections;
+    // Each section by its name (a view of the section's own, unchanging
+    // text), so that a file of many sections is not searched once per line.
+    std::unordered_map<std::string_view, DUNXCfgFileSection*> m_SectionsByName;
     std::vector<std::string> m_Errors;
 };

@@ -89,11 +89,24 @@ private:
         DUNXHashMap<DUNXString, int, DUNXStringHash, DUNXStringEqual> children;
         int option = -1; // index into m_Options, -1 when none hangs here
     };
+    struct ExactEntry {
+        unsigned hash;
+        int length;
+        int option;                  // index into m_Options, -1 for an empty entry
+        const unsigned short* units; // of the name, held by m_ExactNames
+    };
+    int findExact(const DUNXString& name) const;
+    void indexExact(const DUNXString& joinedName, int option);
     int findNode(const std::vector<DUNXString>& tokens, std::size_t level, int node) const;
     int exactNode(const std::vector<DUNXString>& tokens) const;
     DUNIResult store(const DUNXOption& option, bool replaceExisting);
 
     std::vector<Node> m_Nodes; // m_Nodes[0] is the root
+    // Every stored name with its tokens joined by single dots, found by hash
+    // in an open-addressed table of small entries: a present name costs one
+    // hash and one comparison, and only other names walk the tree.
+    std::vector<ExactEntry> m_ExactTable; // a power of two long, at most half full
+    std::vector<DUNXString> m_ExactNames; // the joined names, whose units the entries point at
     std::vector<std::unique_ptr<DUNXOption>> m_Options;
     mutable std::size_t m_Cursor = 0;
 };

@@ -1,13 +1,18 @@
 #include <dunx/DUNXMessageEvent.h>
 
 #include <dunx/DUNXEventBus.h>
-#include <dunx/DUNXStreamFormatter.h>
+#include <dunx/DUNXOutputStream.h>
 
 #include "internal/MessageFormat.h"
 #include "internal/Text.h"
 
+#include <cstring>
+#include <memory>
+
+using dunx::internal::BoundedLength;
 using dunx::internal::CopyName;
 using dunx::internal::FormatMessage;
+using dunx::internal::kMessageBufferSize;
 using dunx::internal::MessageBuffer;
 
 // Builds an event of type `Event` from the variadic arguments of the calling
@@ -42,18 +47,38 @@ DUNXTextEvent::DUNXTextEvent(const DUNXTextEvent& other)
 DUNXTextEvent::~DUNXTextEvent() = default;
 
 void DUNXTextEvent::SetMessage(const char* format, va_list args) {
+    // "%s" is how the printers and channels pass a text already formatted:
+    // take it as it is, cut as vsnprintf would cut it, without a second pass.
+    if (format && format[0] == '%' && format[1] == 's' && format[2] == '\0') {
+        const char* text = va_arg(args, const char*);
+        if (!text)
+            text = "(null)"; // what vsnprintf prints for a null text
+        const std::size_t length = BoundedLength(text, kMessageBufferSize - 1);
+        if (length == 0) {
+            m_Message.reset();
+            return;
+        }
+        m_Message = std::make_unique<char[]>(length + 1);
+        std::memcpy(m_Message.get(), text, length);
+        m_Message[length] = '\0';
+        return;
+    }
     MessageBuffer buffer;
     FormatMessage(buffer, format, args);
     m_Message = CopyName(buffer.text); // null when the text is empty
 }
 
 void DUNXTextEvent::WriteMessageLine(DUNXOutputStream* stream, const char* prefix) const {
-    DUNXStreamFormatter out(stream);
-    if (prefix)
-        out << prefix;
+    // The writes a fresh DUNXStreamFormatter would make for the prefix, the
+    // text and its line end, without building one per message: a formatter
+    // parses its five number formats when it is made.
+    if (!stream)
+        return;
+    if (prefix && *prefix)
+        stream->write(prefix, static_cast<int>(std::strlen(prefix)));
     if (m_Message)
-        out << m_Message.get();
-    out << DUNXLineEnd();
+        stream->write(m_Message.get(), static_cast<int>(std::strlen(m_Message.get())));
+    stream->write("\n", 1);
 }
 
 // --- DUNXErrorEvent -------------------------------------------------------------

@@ -9,6 +9,7 @@
 
 #include <cstring>
 
+using dunx::internal::BoundedLength;
 using dunx::internal::FormatMessage;
 using dunx::internal::kMessageBufferSize;
 using dunx::internal::MessageBuffer;
@@ -87,12 +88,15 @@ void DUNXChannelPrinter<Kind>::Print(const char* text, bool indent) {
         length = blanks < kMessageBufferSize - 1 ? blanks : kMessageBufferSize - 1;
         std::memset(buffer.text, ' ', static_cast<std::size_t>(length));
     }
+    // At most the room left, and only the bytes of the text: strncpy would
+    // pad the rest of the buffer with zeros on every call.
     const std::size_t room = static_cast<std::size_t>(kMessageBufferSize - 1 - length);
-    std::strncpy(buffer.text + length, text, room);
-    buffer.text[kMessageBufferSize - 1] = '\0';
-    const std::size_t end = std::strlen(buffer.text);
+    const std::size_t copied = BoundedLength(text, room);
+    std::memcpy(buffer.text + length, text, copied);
+    std::size_t end = static_cast<std::size_t>(length) + copied;
     if (end > 0 && buffer.text[end - 1] == '\n')
-        buffer.text[end - 1] = '\0';
+        --end;
+    buffer.text[end] = '\0';
     fireText(Kind, buffer.text);
 }
 
@@ -165,7 +169,9 @@ void DUNXInfo::PrintfAsItIs(const char* text) {
     if (!text)
         return;
     MessageBuffer buffer;
-    std::strncpy(buffer.text, text, kMessageBufferSize - 1);
+    const std::size_t copied = BoundedLength(text, kMessageBufferSize - 1);
+    std::memcpy(buffer.text, text, copied);
+    buffer.text[copied] = '\0';
     fireText(DUNXChannelKind::Info, buffer.text);
 }
 

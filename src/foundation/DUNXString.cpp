@@ -17,7 +17,10 @@
 
 using dunx::internal::CountUnits;
 using dunx::internal::DecodeUnits;
+using dunx::internal::DecodeUtf8;
 using dunx::internal::EncodeUnits;
+using dunx::internal::LocaleReadsUtf8;
+using dunx::internal::WidenAscii;
 
 namespace {
 
@@ -70,6 +73,43 @@ int compareUnits(const unsigned short* a, int lengthA, const unsigned short* b, 
     return lengthA == lengthB ? 0 : (lengthA < lengthB ? -1 : 1);
 }
 
+// The first start at or after `from` where the `n` units of `needle` occur in
+// `text`, or -1. Eight starts are screened at a time by the needle's first
+// and last unit; only the starts that pass are compared in full, so a search
+// costs little more than one pass over the text.
+int findUnits(const unsigned short* text, int length, int from, const unsigned short* needle,
+              int n) {
+    const unsigned short first = needle[0];
+    const unsigned short last = needle[n - 1];
+    const std::size_t middle = static_cast<std::size_t>(n > 2 ? n - 2 : 0) * 2;
+    const int end = length - n; // the last possible start
+    // Eight units at a time in a 16-byte vector (plain code where the target
+    // has no vector unit); the compare gives all ones in each lane that matches.
+    typedef unsigned short Units8 __attribute__((vector_size(16)));
+    const Units8 firsts = Units8{} + first;
+    const Units8 lasts = Units8{} + last;
+    int i = from;
+    for (; i + 7 <= end; i += 8) {
+        Units8 heads, tails;
+        std::memcpy(&heads, text + i, sizeof heads);
+        std::memcpy(&tails, text + i + n - 1, sizeof tails);
+        const auto lanes = (heads == firsts) & (tails == lasts);
+        std::uint64_t halves[2];
+        std::memcpy(halves, &lanes, sizeof halves);
+        if ((halves[0] | halves[1]) == 0)
+            continue;
+        for (int k = 0; k < 8; ++k)
+            if (text[i + k] == first && text[i + k + n - 1] == last &&
+                std::memcmp(text + i + k + 1, needle + 1, middle) == 0)
+                return i + k;
+    }
+    for (; i <= end; ++i)
+        if (text[i] == first && text[i + n - 1] == last &&
+            std::memcmp(text + i + 1, needle + 1, middle) == 0)
+            return i;
+    return -1;
+}
+
 template <class Map>
 bool sameUnits(const unsigned short* a, const unsigned short* b, int count, Map map) {
     for (int i = 0; i < count; ++i)
@@ -95,17 +135,29 @@ DUNXString::DUNXString(std::unique_ptr<unsigned short[]> units, int length)
 DUNXString::DUNXString(const char* text) {
     if (!text)
         return;
-    int count = CountUnits(text);
-    const bool converts = count >= 0;
-    if (!converts)
-        count = static_cast<int>(std::strlen(text));
-    auto units = allocateUnits(count);
-    if (converts) {
-        DecodeUnits(text, units.get());
+    // ASCII reads alike in every locale, and a UTF-8 locale reads exactly the
+    // well-formed UTF-8: both are converted here rather than by one call into
+    // the locale per character. No locale makes more units than bytes, so one
+    // allocation holds the result.
+    const int size = static_cast<int>(std::strlen(text));
+    auto units = allocateUnits(size);
+    int count = -1;
+    if (WidenAscii(text, static_cast<std::size_t>(size), units.get())) {
+        count = size;
+    } else if (LocaleReadsUtf8()) {
+        count = DecodeUtf8(text, static_cast<std::size_t>(size), units.get());
     } else {
+        count = CountUnits(text);
+        if (count > size)
+            units = allocateUnits(count);
+        if (count >= 0)
+            DecodeUnits(text, units.get());
+    }
+    if (count < 0) {
         // Text the locale cannot read keeps every byte as a unit of the same value.
-        for (int i = 0; i < count; ++i)
+        for (int i = 0; i < size; ++i)
             units[i] = static_cast<unsigned char>(text[i]);
+        count = size;
     }
     units[count] = 0;
     *this = DUNXString(std::move(units), count);
@@ -276,7 +328,27 @@ void DUNXString::dump() const {
 bool DUNXString::equals(const DUNXString& other) const {
     if (!m_Units || !other.m_Units)
         return !m_Units && !other.m_Units;
-    return m_Length == other.m_Length && sameUnits(m_Units, other.m_Units, m_Length, sameUnit);
+    // Lengths first: most unequal strings differ there. Names and keys are
+    // short: their units are compared four at a time without a call, and
+    // longer texts go to memcmp, which stops at the first difference.
+    if (m_Length != other.m_Length)
+        return false;
+    if (m_Units == other.m_Units)
+        return true;
+    constexpr int kShort = 64;
+    if (m_Length > kShort)
+        return std::memcmp(m_Units, other.m_Units, static_cast<std::size_t>(m_Length) * 2) == 0;
+    std::uint64_t difference = 0;
+    int i = 0;
+    for (; i + 4 <= m_Length; i += 4) {
+        std::uint64_t a, b;
+        std::memcpy(&a, m_Units + i, sizeof a);
+        std::memcpy(&b, other.m_Units + i, sizeof b);
+        difference |= a ^ b;
+    }
+    for (; i < m_Length; ++i)
+        difference |= static_cast<unsigned>(m_Units[i] ^ other.m_Units[i]);
+    return difference == 0;
 }
 
 int DUNXString::compareTo(const DUNXString& other) const {
@@ -325,8 +397,16 @@ bool DUNXString::endsWithIgnoreCase(const DUNXString& suffix) const {
 }
 
 unsigned DUNXString::hashCode() const {
+    // h = h * 33 + unit, four units a step: h * 33^4 + a * 33^3 + b * 33^2 +
+    // c * 33 + d is the same value modulo 2^32, with four independent products
+    // instead of one long chain of dependent multiplications.
+    constexpr unsigned k2 = 33u * 33u, k3 = k2 * 33u, k4 = k3 * 33u;
     unsigned hash = 0;
-    for (int i = 0; i < m_Length; ++i)
+    int i = 0;
+    for (; i + 4 <= m_Length; i += 4)
+        hash = hash * k4 + m_Units[i] * k3 + m_Units[i + 1] * k2 + m_Units[i + 2] * 33u +
+               m_Units[i + 3];
+    for (; i < m_Length; ++i)
         hash = hash * 33u + m_Units[i];
     return hash;
 }
@@ -368,10 +448,7 @@ int DUNXString::indexOf(const DUNXString& needle, int from) const {
     const int n = needle.m_Length;
     if (m_Length == 0 || from < 0 || from >= m_Length || n == 0 || n > m_Length - from)
         return -1;
-    for (int i = from; i <= m_Length - n; ++i)
-        if (sameUnits(m_Units + i, needle.m_Units, n, sameUnit))
-            return i;
-    return -1;
+    return findUnits(m_Units, m_Length, from, needle.m_Units, n);
 }
 
 int DUNXString::lastIndexOf(const DUNXString& needle, int from) const {

@@ -1,6 +1,7 @@
 #include "foundation/UnitConversion.h"
 
 #include <climits>
+#include <cstdint>
 #include <cstring>
 #include <cwchar>
 
@@ -47,6 +48,103 @@ template <class Emit> bool walkCharacters(const char* text, Emit emit) {
 }
 
 } // namespace
+
+bool WidenAscii(const char* text, std::size_t size, unsigned short* out) {
+    const auto* bytes = reinterpret_cast<const unsigned char*>(text);
+    std::size_t i = 0;
+    // Eight bytes a step: one test of their high bits, then a plain widening
+    // loop that the compiler turns into vector code.
+    for (; i + 8 <= size; i += 8) {
+        std::uint64_t word;
+        std::memcpy(&word, bytes + i, sizeof word);
+        if (word & 0x8080808080808080ULL)
+            return false;
+        for (std::size_t k = 0; k < 8; ++k)
+            out[i + k] = bytes[i + k];
+    }
+    for (; i < size; ++i) {
+        if (bytes[i] >= 0x80)
+            return false;
+        out[i] = bytes[i];
+    }
+    return true;
+}
+
+bool LocaleReadsUtf8() {
+    // The locale's codec is asked directly, so the answer follows setlocale
+    // and uselocale alike without naming the codeset: only UTF-8 reads these
+    // three characters of two, three and four bytes this way.
+    struct Probe {
+        const char* bytes;
+        std::size_t size;
+        wchar_t code;
+    };
+    static constexpr Probe kProbes[] = {
+        {"\xC3\xA9", 2, 0xE9}, {"\xE2\x82\xAC", 3, 0x20AC}, {"\xF0\x9F\x94\xA9", 4, 0x1F529}};
+    for (const Probe& probe : kProbes) {
+        std::mbstate_t state{};
+        wchar_t wc = 0;
+        if (std::mbrtowc(&wc, probe.bytes, probe.size, &state) != probe.size || wc != probe.code)
+            return false;
+    }
+    return true;
+}
+
+int DecodeUtf8(const char* text, std::size_t size, unsigned short* out) {
+    const auto* bytes = reinterpret_cast<const unsigned char*>(text);
+    unsigned short* const start = out;
+    auto continuation = [](unsigned char byte) { return (byte & 0xC0) == 0x80; };
+    std::size_t i = 0;
+    while (i < size) {
+        const unsigned char lead = bytes[i];
+        if (lead < 0x80) {
+            // Eight ASCII bytes at a time where there are eight, the common
+            // case of names and numbers; one at a time between other characters.
+            std::uint64_t word;
+            if (i + 8 <= size &&
+                (std::memcpy(&word, bytes + i, sizeof word), (word & 0x8080808080808080ULL) == 0)) {
+                for (std::size_t k = 0; k < 8; ++k)
+                    out[k] = bytes[i + k];
+                out += 8;
+                i += 8;
+            } else {
+                *out++ = lead;
+                ++i;
+            }
+            continue;
+        }
+        // Each form is checked for what the locale refuses: overlong forms
+        // (C0, C1, and values below the form's range), surrogates, values past
+        // U+10FFFF, lead bytes past F4 and sequences cut short.
+        if (lead < 0xE0) {
+            if (lead < 0xC2 || size - i < 2 || !continuation(bytes[i + 1]))
+                return -1;
+            *out++ = static_cast<unsigned short>(((lead & 0x1FU) << 6) | (bytes[i + 1] & 0x3FU));
+            i += 2;
+        } else if (lead < 0xF0) {
+            if (size - i < 3 || !continuation(bytes[i + 1]) || !continuation(bytes[i + 2]))
+                return -1;
+            const unsigned code =
+                ((lead & 0x0FU) << 12) | ((bytes[i + 1] & 0x3FU) << 6) | (bytes[i + 2] & 0x3FU);
+            if (code < 0x800 || (code >= kHighSurrogate && code < kSurrogateEnd))
+                return -1;
+            *out++ = static_cast<unsigned short>(code);
+            i += 3;
+        } else {
+            if (lead > 0xF4 || size - i < 4 || !continuation(bytes[i + 1]) ||
+                !continuation(bytes[i + 2]) || !continuation(bytes[i + 3]))
+                return -1;
+            const unsigned long code = ((lead & 0x07UL) << 18) | ((bytes[i + 1] & 0x3FUL) << 12) |
+                                       ((bytes[i + 2] & 0x3FUL) << 6) | (bytes[i + 3] & 0x3FUL);
+            if (code < 0x10000 || code > 0x10FFFF)
+                return -1;
+            *out++ = static_cast<unsigned short>(kHighSurrogate + ((code - 0x10000) >> 10));
+            *out++ = static_cast<unsigned short>(kLowSurrogate + ((code - 0x10000) & 0x3FF));
+            i += 4;
+        }
+    }
+    return static_cast<int>(out - start);
+}
 
 int CountUnits(const char* text) {
     int count = 0;

@@ -15,6 +15,22 @@ int CountUnits(const char* text);
 /// (no terminator is written). Call only when `CountUnits` succeeded.
 void DecodeUnits(const char* text, unsigned short* out);
 
+/// Converts the first `size` bytes of `text`, when they are all ASCII, into
+/// `out` (room for `size` units) and returns true; returns false at once
+/// otherwise. ASCII reads the same in every locale this runtime supports.
+bool WidenAscii(const char* text, std::size_t size, unsigned short* out);
+
+/// True when the current locale reads narrow text as UTF-8, so that
+/// `DecodeUtf8` gives what `CountUnits` and `DecodeUnits` would.
+bool LocaleReadsUtf8();
+
+/// Decodes the first `size` bytes of `text` as well-formed UTF-8 into `out`
+/// (room for `size` units), characters above U+FFFF as surrogate pairs.
+/// Returns the number of units, or -1 for anything that is not well-formed
+/// UTF-8 (overlong forms, surrogates, code points above U+10FFFF, truncated
+/// sequences), exactly where the UTF-8 locale refuses the text.
+int DecodeUtf8(const char* text, std::size_t size, unsigned short* out);
+
 /// As wcstombs: converts the 0-terminated `units` into at most `limit` bytes
 /// at `out` (no terminator), stopping before a character that would not fit.
 /// A null `out` counts the bytes of the whole text. Returns the bytes written

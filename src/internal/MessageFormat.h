@@ -3,6 +3,8 @@
 #pragma once
 
 #include <cstdarg>
+#include <cstddef>
+#include <cstring>
 #include <string>
 
 namespace dunx::internal {
@@ -10,10 +12,21 @@ namespace dunx::internal {
 /// Size of every message buffer, terminator included.
 constexpr int kMessageBufferSize = 1024;
 
-/// A zero-filled message buffer.
+/// A message buffer that starts as the empty text. Only the bytes up to the
+/// terminator are ever read, and every writer terminates what it writes, so
+/// the rest is left unfilled: clearing 1 KB per message would cost more than
+/// formatting a short one.
 struct MessageBuffer {
-    char text[kMessageBufferSize] = {};
+    MessageBuffer() { text[0] = '\0'; }
+    char text[kMessageBufferSize];
 };
+
+/// The length of `text`, but no more than `limit`: no byte past the limit is
+/// read, so `text` need not be terminated within it.
+inline std::size_t BoundedLength(const char* text, std::size_t limit) {
+    const void* end = std::memchr(text, '\0', limit);
+    return end ? static_cast<std::size_t>(static_cast<const char*>(end) - text) : limit;
+}
 
 /// vsnprintf of `format` into `buffer`: longer text is cut to 1,023 bytes.
 /// A null `format` leaves the buffer empty.

@@ -134,7 +134,9 @@ DUNXCfgFileSection* DUNXCfgFile::createSection(const char* name) {
     if (DUNXCfgFileSection* existing = GetSection(name))
         return existing;
     m_Sections.push_back(std::make_unique<DUNXCfgFileSection>(name));
-    return m_Sections.back().get();
+    DUNXCfgFileSection* section = m_Sections.back().get();
+    m_SectionsByName.emplace(section->GetName(), section);
+    return section;
 }
 
 void DUNXCfgFile::flagError(const char* format, ...) {
@@ -158,11 +160,8 @@ void DUNXCfgFile::removeWhiteSpaces(char* text) {
 }
 
 DUNXCfgFileSection* DUNXCfgFile::GetSection(const char* name) const {
-    const char* wanted = name ? name : "";
-    for (const auto& section : m_Sections)
-        if (std::strcmp(section->GetName(), wanted) == 0)
-            return section.get();
-    return nullptr;
+    const auto found = m_SectionsByName.find(name ? name : "");
+    return found == m_SectionsByName.end() ? nullptr : found->second;
 }
 
 DUNXCfgFileSection* DUNXCfgFile::GetSectionAt(int index) const {

@@ -38,6 +38,36 @@ std::vector<DUNXString> splitName(const DUNXString& name, std::size_t limit) {
     return tokens;
 }
 
+// True when `name` is its tokens joined by single dots (no empty token), the
+// form the exact-name index is keyed by.
+bool isJoinedTokens(const DUNXString& name) {
+    const int length = name.length();
+    if (length == 0 || name[0] == '.' || name[length - 1] == '.')
+        return false;
+    for (int i = 1; i < length; ++i)
+        if (name[i] == '.' && name[i - 1] == '.')
+            return false;
+    return true;
+}
+
+DUNXString joinTokens(const std::vector<DUNXString>& tokens) {
+    DUNXString joined = tokens.front();
+    for (std::size_t i = 1; i < tokens.size(); ++i)
+        joined = joined + DUNXString(static_cast<unsigned short>('.')) + tokens[i];
+    return joined;
+}
+
+// hashCode with its bits mixed (the final step of MurmurHash3): names that
+// differ only in their last units would otherwise crowd neighbouring entries.
+unsigned mixedHash(const DUNXString& name) {
+    unsigned hash = name.hashCode();
+    hash ^= hash >> 16;
+    hash *= 0x85EBCA6Bu;
+    hash ^= hash >> 13;
+    hash *= 0xC2B2AE35u;
+    return hash ^ (hash >> 16);
+}
+
 bool isWildcard(const DUNXString& token) {
     return token.length() == 1 && token[0] == '*';
 }
@@ -180,7 +210,47 @@ DUNIResult DUNXOptions::store(const DUNXOption& option, bool replaceExisting) {
     }
     slot = static_cast<int>(m_Options.size());
     m_Options.push_back(std::make_unique<DUNXOption>(option));
+    indexExact(isJoinedTokens(name) ? name : joinTokens(tokens), slot);
     return DUNI_S_SUCCESS;
+}
+
+int DUNXOptions::findExact(const DUNXString& name) const {
+    if (m_ExactTable.empty())
+        return -1;
+    const unsigned hash = mixedHash(name);
+    const std::size_t mask = m_ExactTable.size() - 1;
+    for (std::size_t i = hash & mask;; i = (i + 1) & mask) {
+        const ExactEntry& entry = m_ExactTable[i];
+        if (entry.option < 0)
+            return -1; // at most half full: an empty entry ends every chain
+        if (entry.hash == hash && entry.length == name.length() &&
+            std::memcmp(entry.units, static_cast<const unsigned short*>(name),
+                        static_cast<std::size_t>(entry.length) * sizeof(unsigned short)) == 0)
+            return entry.option;
+    }
+}
+
+void DUNXOptions::indexExact(const DUNXString& joinedName, int option) {
+    auto place = [](std::vector<ExactEntry>& table, const ExactEntry& entry) {
+        const std::size_t mask = table.size() - 1;
+        std::size_t i = entry.hash & mask;
+        while (table[i].option >= 0)
+            i = (i + 1) & mask;
+        table[i] = entry;
+    };
+    // The entries point at the units of these copies, which stay where they
+    // are when the vector moves the strings.
+    m_ExactNames.push_back(joinedName);
+    if (2 * m_ExactNames.size() > m_ExactTable.size()) {
+        std::vector<ExactEntry> grown(std::max<std::size_t>(16, 2 * m_ExactTable.size()),
+                                      ExactEntry{0, 0, -1, nullptr});
+        for (const ExactEntry& entry : m_ExactTable)
+            if (entry.option >= 0)
+                place(grown, entry);
+        m_ExactTable.swap(grown);
+    }
+    const DUNXString& stored = m_ExactNames.back();
+    place(m_ExactTable, ExactEntry{mixedHash(stored), stored.length(), option, stored});
 }
 
 int DUNXOptions::findNode(const std::vector<DUNXString>& tokens, std::size_t level,
@@ -215,6 +285,14 @@ int DUNXOptions::exactNode(const std::vector<DUNXString>& tokens) const {
 }
 
 DUNIResult DUNXOptions::GetOption(const DUNXString& name, DUNXOption*& option) const {
+    // A stored name is what the tree walk finds too: it tries the exact token
+    // before the wildcard at every level, so the exact path wins when it
+    // exists. The index holds only names in their joined form, so a name
+    // found there needs no splitting.
+    if (const int slot = findExact(name); slot >= 0) {
+        option = m_Options[static_cast<std::size_t>(slot)].get();
+        return DUNI_S_SUCCESS;
+    }
     // A name longer than the deepest stored one cannot match: stop splitting there.
     const std::vector<DUNXString> tokens = splitName(name, kMaxTokens);
     if (tokens.empty())
@@ -251,6 +329,8 @@ DUNIResult DUNXOptions::GetNext(DUNXOption*& option) const {
 void DUNXOptions::RemoveAll() {
     m_Options.clear();
     m_Nodes.assign(1, Node());
+    m_ExactTable.clear();
+    m_ExactNames.clear();
     m_Cursor = 0;
 }
 

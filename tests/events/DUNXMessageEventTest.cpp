@@ -118,3 +118,26 @@ TEST(DUNXString, DumpPrintsOneDebugLine) {
     EXPECT_EQ(line.rfind("DUNXDebugEvent 10 string 0x", 0), 0u) << line;
     EXPECT_NE(line.find("): \"abc\" (3 chars)\n"), std::string::npos) << line;
 }
+
+TEST(DUNXTrace, PrintersCutAtTheBufferAndLeaveNothingOfAnEarlierLongerMessage) {
+    dunx::test::EventRecorder recorder;
+    DUNXInfo::Tab();
+    DUNXInfo::Tab(); // eight blanks leave room for 1015 bytes of text
+    const std::string fits(1014, 'f'), cut(1015, 'c');
+    DUNXInfo::Printf("%s\n", fits.c_str()); // its newline fits, and is dropped
+    DUNXInfo::Printf("%s\n", cut.c_str());  // its newline is cut off: nothing to drop
+    DUNXInfo::Printf("%s", std::string(2000, 'x').c_str());
+    DUNXInfo::Printf("short");
+    DUNXInfo::Untab();
+    DUNXInfo::Untab();
+    DUNXInfo::PrintfAsItIs(std::string(1500, 'z').c_str());
+    DUNXInfo::PrintfAsItIs("tail");
+    const std::string blanks(8, ' ');
+    EXPECT_EQ(summary(recorder),
+              (Lines{"DUNXMessageEvent 50 " + blanks + fits + "\n",
+                     "DUNXMessageEvent 50 " + blanks + cut + "\n",
+                     "DUNXMessageEvent 50 " + blanks + std::string(1015, 'x') + "\n",
+                     "DUNXMessageEvent 50 " + blanks + "short\n",
+                     "DUNXMessageEvent 50 " + std::string(1023, 'z') + "\n",
+                     "DUNXMessageEvent 50 tail\n"}));
+}

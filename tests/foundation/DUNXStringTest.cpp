@@ -5,9 +5,14 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cstdio>
+#include <cstring>
+#include <cwchar>
+#include <random>
 #include <string>
 #include <tuple>
+#include <vector>
 
 using S = DUNXString;
 
@@ -246,4 +251,147 @@ TEST(DUNXString, Utf8InAndOutWhateverTheLocaleWithOneReplacementPerMaximalSubpar
                                 "b\xEF\xBF\xBD");
     EXPECT_EQ(S(pair).ToUtf8(), "\xF0\x9F\x98\x80\xC3\xA9\xE2\x82\xAC");
     EXPECT_EQ(S().ToUtf8() + S("").ToUtf8(), "");
+}
+
+namespace {
+
+// The narrow conversion as the conventions state it, one mbrtowc call per
+// character: the whole text as 16-bit units, or, when the locale cannot read
+// some of it, every byte as a unit of its own value.
+std::vector<unsigned short> unitsByTheLocale(const std::string& text) {
+    std::vector<unsigned short> units;
+    std::mbstate_t state{};
+    for (std::size_t i = 0; i < text.size();) {
+        wchar_t wc = 0;
+        const std::size_t used = std::mbrtowc(&wc, text.data() + i, text.size() - i, &state);
+        const auto code = static_cast<unsigned long>(wc);
+        if (used == static_cast<std::size_t>(-1) || used == static_cast<std::size_t>(-2) ||
+            used == 0 || code > 0x10FFFF || (code >= 0xD800 && code < 0xE000)) {
+            units.assign(text.begin(), text.end());
+            for (unsigned short& unit : units)
+                unit &= 0xFF;
+            return units;
+        }
+        if (code > 0xFFFF) {
+            units.push_back(static_cast<unsigned short>(0xD800 + ((code - 0x10000) >> 10)));
+            units.push_back(static_cast<unsigned short>(0xDC00 + ((code - 0x10000) & 0x3FF)));
+        } else {
+            units.push_back(static_cast<unsigned short>(code));
+        }
+        i += used;
+    }
+    return units;
+}
+
+std::vector<unsigned short> unitsOf(const S& s) {
+    const unsigned short* units = s;
+    return std::vector<unsigned short>(units, units + s.length());
+}
+
+// Texts that reach every branch of a UTF-8 reader: each lead byte with each
+// second byte, the edges of the three- and four-byte ranges with every
+// continuation and cut short, runs of ASCII longer than a word around them,
+// and random mixes of the bytes where decoders go wrong.
+std::vector<std::string> narrowTexts() {
+    std::vector<std::string> texts = {"", "plain ASCII longer than eight bytes", "\x7F\x01"};
+    for (int lead = 0x80; lead <= 0xFF; ++lead)
+        for (int second = 0x01; second <= 0xFF; ++second)
+            texts.push_back({static_cast<char>(lead), static_cast<char>(second)});
+    const int edges[] = {0x7F, 0x80, 0x8F, 0x90, 0x9F, 0xA0, 0xBF, 0xC0};
+    for (int lead : {0xE0, 0xE1, 0xED, 0xEE, 0xEF, 0xF0, 0xF1, 0xF3, 0xF4, 0xF5, 0xF8, 0xFC})
+        for (int second : edges)
+            for (int third : edges) {
+                const std::string bytes = {static_cast<char>(lead), static_cast<char>(second),
+                                           static_cast<char>(third), '\x80', '\xBF'};
+                for (std::size_t cut = 1; cut <= bytes.size(); ++cut)
+                    texts.push_back("abcdefghij" + bytes.substr(0, cut) + "klmnopqrstuvw");
+            }
+    const unsigned char pool[] = {'a',  'Z',  '0',  ' ',  0x7F, 0x80, 0x8F, 0x90, 0x9F,
+                                  0xA0, 0xA9, 0xBF, 0xC0, 0xC1, 0xC2, 0xC3, 0xDF, 0xE0,
+                                  0xE2, 0xED, 0xEF, 0xF0, 0xF4, 0xF5, 0xFE, 0xFF};
+    std::mt19937 random(15);
+    std::uniform_int_distribution<std::size_t> pick(0, sizeof pool - 1), length(1, 40);
+    for (int n = 0; n < 20000; ++n) {
+        std::string text(length(random), ' ');
+        for (char& c : text)
+            c = static_cast<char>(pool[pick(random)]);
+        texts.push_back(text);
+    }
+    // Well-formed text of every length from one to four bytes a character.
+    const char* characters[] = {"a",
+                                "\xC3\xA9",
+                                "\xE2\x82\xAC",
+                                "\xF0\x9F\x98\x80",
+                                "\xF4\x8F\xBF\xBF",
+                                "\xEF\xBF\xBF",
+                                "\xED\x9F\xBF"};
+    std::uniform_int_distribution<std::size_t> which(0, std::size(characters) - 1);
+    for (int n = 0; n < 2000; ++n) {
+        std::string text;
+        for (std::size_t k = length(random); k > 0; --k)
+            text += characters[which(random)];
+        texts.push_back(text);
+    }
+    return texts;
+}
+
+} // namespace
+
+TEST(DUNXString, NarrowConversionFastPathsGiveWhatTheLocaleGivesByteForByte) {
+    // In C.UTF-8 the library reads UTF-8 itself; in "C" only ASCII is read
+    // without the locale. Either way the units must be the locale's own.
+    const std::vector<std::string> texts = narrowTexts();
+    for (const char* locale : {"C.UTF-8", "C"}) {
+        dunx::test::ScopedLocale scoped(locale);
+        ASSERT_TRUE(scoped.isSet()) << locale << " is not installed";
+        int mismatches = 0;
+        for (const std::string& text : texts) {
+            if (mismatches < 5 && unitsOf(S(text.c_str())) != unitsByTheLocale(text)) {
+                ++mismatches;
+                ADD_FAILURE() << locale << ": " << testing::PrintToString(text);
+            }
+        }
+    }
+}
+
+TEST(DUNXString, EqualsHashCodeAndIndexOfAgreeWithUnitByUnitDefinitions) {
+    // Small alphabets make near-misses common; 0x8000 and 0xFFFF check that
+    // units compare as unsigned; lengths cross every block edge of the search.
+    std::mt19937 random(7);
+    const unsigned short alphabet[] = {'a', 'b', 0x8000, 0xFFFF};
+    std::uniform_int_distribution<int> unit(0, 3), length(0, 70);
+    auto randomUnits = [&](int count) {
+        std::vector<unsigned short> units(static_cast<std::size_t>(count) + 1, 0);
+        for (int i = 0; i < count; ++i)
+            units[static_cast<std::size_t>(i)] = alphabet[unit(random)];
+        return units;
+    };
+    for (int n = 0; n < 3000; ++n) {
+        const std::vector<unsigned short> a = randomUnits(length(random));
+        std::vector<unsigned short> b = n % 3 == 0 ? a : randomUnits(length(random) % 6);
+        const S textA(a.data()), textB(b.data());
+        const std::vector<unsigned short> unitsA(a.begin(), a.end() - 1);
+        const std::vector<unsigned short> unitsB(b.begin(), b.end() - 1);
+        SCOPED_TRACE(testing::PrintToString(unitsA) + " / " + testing::PrintToString(unitsB));
+        EXPECT_EQ(textA.equals(textB), unitsA == unitsB);
+        unsigned hash = 0;
+        for (unsigned short u : unitsA)
+            hash = hash * 33u + u;
+        EXPECT_EQ(textA.hashCode(), hash);
+        for (int from = -1; from <= textA.length(); ++from) {
+            int expected = -1;
+            for (int i = std::max(from, 0);
+                 from >= 0 && !unitsB.empty() &&
+                 i + static_cast<int>(unitsB.size()) <= static_cast<int>(unitsA.size());
+                 ++i)
+                if (std::equal(unitsB.begin(), unitsB.end(), unitsA.begin() + i)) {
+                    expected = i;
+                    break;
+                }
+            EXPECT_EQ(textA.indexOf(textB, from), expected) << "from " << from;
+        }
+    }
+    EXPECT_TRUE(S().equals(S()) && !S().equals(S("")) && !S("").equals(S()));
+    const S same("shared units");
+    EXPECT_TRUE(same.equals(same));
 }

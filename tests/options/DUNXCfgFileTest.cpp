@@ -129,3 +129,29 @@ TEST(DUNXCfgFile, TypedGettersTakeExactTextsAndRecordWhatTheyRefuse) {
         EXPECT_EQ(dump(cfg), said) << row;
     }
 }
+
+TEST(DUNXCfgFile, ManySectionsKeepFileOrderAndARepeatedNameGathersItsKeys) {
+    // Sections are found by name through an index: check it against the
+    // order of the file on a file where names come back out of order.
+    std::string text = "top=0\n";
+    for (int i = 0; i < 300; ++i)
+        text += "[S" + std::to_string(i * 7 % 100) + "]\nk" + std::to_string(i) + "=v\n";
+    text += "[]\nunnamed=again\n[ S5 ] tail\nlast=5\n";
+    DUNXCfgFile cfg;
+    ASSERT_EQ(load(cfg, text), 0);
+    ASSERT_EQ(cfg.GetSectionCount(), 101);
+    EXPECT_EQ(std::string(cfg.GetSectionAt(1)->GetName()) + cfg.GetSectionAt(2)->GetName(), "S0S7");
+    for (int n = 0; n < 100; ++n) {
+        const std::string name = "S" + std::to_string(n);
+        const DUNXCfgFileSection* section = cfg.GetSection(name.c_str());
+        ASSERT_NE(section, nullptr) << name;
+        EXPECT_EQ(section->GetName(), name);
+        EXPECT_EQ(section->GetRowCount(), n == 5 ? 4 : 3) << name;
+    }
+    EXPECT_EQ(cfg.GetSection(nullptr), cfg.GetSection(""));
+    EXPECT_EQ(cfg.GetSection(nullptr)->GetRowCount(), 2);
+    EXPECT_EQ(cfg.GetSection("S100"), nullptr);
+    EXPECT_EQ(cfg.GetSection("s5"), nullptr); // names are case-sensitive
+    EXPECT_TRUE(cfg.ExistKey("last", "S5") && cfg.ExistKey("k5", "S35") &&
+                !cfg.ExistKey("k5", "S5"));
+}

@@ -10,6 +10,7 @@
 
 #include <sstream>
 #include <string>
+#include <vector>
 
 namespace {
 
@@ -129,4 +130,43 @@ TEST(DUNXOptions, CopiesKeepEveryOptionInOrderAndDumpsPrintThem) {
                  "The Option \"Count\" value is\t\t=     3\n"
                  "The Option \"Ratio\" value is\t\t=     0.500000\n"
                  "The Option \"A.*\" value is\t\t=     True\n");
+}
+
+TEST(DUNXOptions, PresentNamesAnswerAsTheTokenTreeDoes) {
+    // A name with an empty token (".A.B") is always looked up in the token
+    // tree; the same name without it may be answered by the index of stored
+    // names. Both must give the same option for every name, stored or not.
+    const char* tokens[] = {"A", "B", "*", "CC"};
+    std::vector<std::string> names;
+    for (const char* a : tokens) {
+        names.push_back(a);
+        for (const char* b : tokens) {
+            names.push_back(std::string(a) + "." + b);
+            for (const char* c : tokens)
+                names.push_back(std::string(a) + "." + b + "." + c);
+        }
+    }
+    for (unsigned seed = 0; seed < 40; ++seed) {
+        DUNXOptions set;
+        for (std::size_t i = 0; i < names.size(); ++i)
+            if ((i * 2654435761u + seed * 40503u) % 7 < 3) // a different third each time
+                set.AddOption(names[i].c_str(), names[i].c_str());
+        if (seed % 4 == 1)
+            set = DUNXOptions(set); // copies must index their names too
+        if (seed % 4 == 2) {
+            set.RemoveAll(); // a cleared set answers nothing, then what is added again
+            EXPECT_EQ(answer(set, "A"), "<none>");
+            set.AddOption("A..B.", "again");
+        }
+        for (const std::string& name : names) {
+            DUNXOption* direct = nullptr;
+            DUNXOption* walked = nullptr;
+            const long found = set.GetOption(DUNXString(name.c_str()), direct);
+            const long foundByTree = set.GetOption(DUNXString(("." + name).c_str()), walked);
+            EXPECT_TRUE(found == foundByTree && direct == walked) << name << " seed " << seed;
+        }
+    }
+    DUNXOptions replaced = setOf({"K.L", "K.*"}); // a repeated name keeps its place, new value
+    replaced.AddOption("K..L", "second");
+    EXPECT_EQ(answer(replaced, "K.L") + answer(replaced, "K.M"), "secondK.*");
 }
