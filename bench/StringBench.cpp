@@ -16,9 +16,9 @@
 
 namespace {
 
-std::u16string randomUnits(std::size_t length, unsigned seed, char16_t first = 'a',
+std::u16string randomUnits(std::size_t length, unsigned salt, char16_t first = 'a',
                            char16_t last = 'p') {
-    std::mt19937 random(seed);
+    std::mt19937 random(salt);
     std::uniform_int_distribution<int> unit(first, last);
     std::u16string text(length, u' ');
     for (char16_t& c : text)

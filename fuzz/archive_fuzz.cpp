@@ -12,7 +12,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         return 0;
     // The first byte picks the operations, the rest is the archive.
     const std::uint8_t plan = data[0];
-    DUNXMemoryInputStream stream(reinterpret_cast<const char*>(data + 1), static_cast<int>(size - 1));
+    DUNXMemoryInputStream stream(reinterpret_cast<const char*>(data + 1),
+                                 static_cast<int>(size - 1));
     DUNXArchive archive(&stream);
     std::vector<double> doubles(16);
     std::vector<float> floats(16);
@@ -25,15 +26,33 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
             float f = 0;
             long l = 0;
             switch ((plan + step) % 9) {
-            case 0: archive.RestoreCString(text); break;
-            case 1: archive.RestoreCount(); break;
-            case 2: archive.RestoreClassObject(text, &tag); break;
-            case 3: archive.RestoreClassObject("CPart", &tag); break;
-            case 4: archive >> d >> f >> l; break;
-            case 5: archive.Read(doubles.data(), static_cast<int>(doubles.size())); break;
-            case 6: archive.Read(floats.data(), static_cast<int>(floats.size())); break;
-            case 7: archive.Read(ints.data(), static_cast<int>(ints.size())); break;
-            default: archive.RestoreClassObject(text, nullptr); break;
+            case 0:
+                archive.RestoreCString(text);
+                break;
+            case 1:
+                archive.RestoreCount();
+                break;
+            case 2:
+                archive.RestoreClassObject(text, &tag);
+                break;
+            case 3:
+                archive.RestoreClassObject("CPart", &tag);
+                break;
+            case 4:
+                archive >> d >> f >> l;
+                break;
+            case 5:
+                archive.Read(doubles.data(), static_cast<int>(doubles.size()));
+                break;
+            case 6:
+                archive.Read(floats.data(), static_cast<int>(floats.size()));
+                break;
+            case 7:
+                archive.Read(ints.data(), static_cast<int>(ints.size()));
+                break;
+            default:
+                archive.RestoreClassObject(text, nullptr);
+                break;
             }
             if (archive.GetBytesRead() > size - 1)
                 std::abort(); // more bytes counted than the input holds

@@ -23,9 +23,15 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         int index = -1;
         char* argument = nullptr;
         switch (step % 3) {
-        case 0: args.GetNextArg(); break;
-        case 1: args.GetNextOption(3, known, &index); break;
-        default: args.GetOptionArgument(&argument); break;
+        case 0:
+            args.GetNextArg();
+            break;
+        case 1:
+            args.GetNextOption(3, known, &index);
+            break;
+        default:
+            args.GetOptionArgument(&argument);
+            break;
         }
     }
     return 0;

@@ -26,8 +26,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     static const bool ready = (dunx::fuzz::WriteFile("part.stl", triangle()), true);
     (void)ready;
     Request request;
-    request.input = dunx::fuzz::WriteFile(
-        "top.cfg", std::string(reinterpret_cast<const char*>(data), size));
+    request.input =
+        dunx::fuzz::WriteFile("top.cfg", std::string(reinterpret_cast<const char*>(data), size));
     Model model;
     Report report;
     const DUNIResult result = ReadModel(request, model, report);

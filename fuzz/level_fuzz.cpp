@@ -12,8 +12,14 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     const std::string text = input.text(32);
     const DUNXEventLevel level = DUNXEvent::GetLevel(DUNXString(text.c_str()), DUNXLevelWarning);
     switch (level) {
-    case DUNXLevelAll: case DUNXLevelDebug: case DUNXLevelVerbose: case DUNXLevelInfo:
-    case DUNXLevelWarning: case DUNXLevelError: case DUNXLevelAbort: case DUNXLevelNone:
+    case DUNXLevelAll:
+    case DUNXLevelDebug:
+    case DUNXLevelVerbose:
+    case DUNXLevelInfo:
+    case DUNXLevelWarning:
+    case DUNXLevelError:
+    case DUNXLevelAbort:
+    case DUNXLevelNone:
         break;
     default:
         std::abort(); // only a keyword's level or the default

@@ -9,8 +9,8 @@
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     using namespace dunx::translator;
     Request request;
-    request.input = dunx::fuzz::WriteFile(
-        "part.stl", std::string(reinterpret_cast<const char*>(data), size));
+    request.input =
+        dunx::fuzz::WriteFile("part.stl", std::string(reinterpret_cast<const char*>(data), size));
     request.outputUnit = DUNIUnitInch;
     Model model;
     Report report;

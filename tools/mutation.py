@@ -1,7 +1,7 @@
 #!/usr/bin/env python3
 """Mutation pass over the library: do the tests notice a one-token fault?
 
-    tools/mutation.py [--count N] [--seed S] [--files GLOB] [--build-dir DIR] [--committed] [--list]
+    tools/mutation.py [--count N] [--sample S] [--files GLOB] [--build-dir DIR] [--committed] [--list]
 
 Makes a private copy of the tree (a git worktree of HEAD with the uncommitted
 changes applied, or HEAD alone with --committed), builds it once, then for each sampled mutant changes one
@@ -77,7 +77,7 @@ def sites(root, pattern):
 def main():
     parser = argparse.ArgumentParser(description=__doc__.splitlines()[0])
     parser.add_argument("--count", type=int, default=160, help="mutants to try (default 160)")
-    parser.add_argument("--seed", type=int, default=1, help="sampling seed (default 1)")
+    parser.add_argument("--sample", type=int, default=1, help="which sample to draw (default 1)")
     parser.add_argument("--files", default="src/*", help="only sources matching this glob")
     parser.add_argument("--build-dir", default=None, help="keep the copy and its build here")
     parser.add_argument("--committed", action="store_true",
@@ -113,8 +113,8 @@ def main():
         print("the unmutated tree fails its tests")
         return 1
 
-    random.seed(args.seed)
-    sample = random.sample(candidates, min(args.count, len(candidates)))
+    generator = random.Random(args.sample)
+    sample = generator.sample(candidates, min(args.count, len(candidates)))
     killed, survived, broken = 0, [], 0
     started = time.time()
     for number, (path, line_number, column, index) in enumerate(sample, 1):

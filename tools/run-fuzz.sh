@@ -7,7 +7,7 @@
 #   --build-dir DIR  build folder (default build-fuzz)
 #   SUBJECT          run only these targets (<subject>_fuzz); default: all of them
 #
-# Each target starts from its seed corpus in fuzz/corpus/<subject>/ and keeps what
+# Each target starts from its starting corpus in fuzz/corpus/<subject>/ and keeps what
 # it finds new in a scratch folder, so the committed corpus never changes. A
 # finding (crash, sanitizer report, leak, timeout) stops the run with a non-zero
 # exit and leaves the input that caused it in the build folder.

@@ -123,8 +123,8 @@ TEST(DUNIValue, ConvertsAsTheInternalValueAndReportsBoolsAsNone) {
         bool asBool;
         const char* asText;
     } rows[] = {
-        {DUNIValue(7), 1, 7, 7.0, true, "7"},        {DUNIValue(2.5), 2, 1, 2.5, true, "2.5"},
-        {DUNIValue(0.0), 2, 0, 0.0, false, "0"},     {DUNIValue(true), 0, 1, 1.0, true, "True"},
+        {DUNIValue(7), 1, 7, 7.0, true, "7"},       {DUNIValue(2.5), 2, 1, 2.5, true, "2.5"},
+        {DUNIValue(0.0), 2, 0, 0.0, false, "0"},    {DUNIValue(true), 0, 1, 1.0, true, "True"},
         {DUNIValue("12"), 3, 12, 12.0, true, "12"}, {DUNIValue("on"), 3, 1, 1.0, true, "on"},
         {DUNIValue(wide), 3, 42, 42.0, true, "42"}, {DUNIValue(), 0, 0, 0.0, false, nullptr},
     };

@@ -1,5 +1,5 @@
 // Helpers of the math tests: tables of computed values checked against expected ones,
-// printed text, allocation counts and seeded random motions for the property tests.
+// printed text, allocation counts and repeatable random motions for the property tests.
 #pragma once
 
 #include <dunx/DUNXAffine.h>
@@ -126,11 +126,11 @@ inline void multiply3(const double m[9], const double x[3], double y[3]) {
         y[r] = m[3 * r] * x[0] + m[3 * r + 1] * x[1] + m[3 * r + 2] * x[2];
 }
 
-/// Seeded random numbers, vectors and rotations. The rotations come from unit quaternions,
+/// Repeatable random numbers, vectors and rotations. The rotations come from unit quaternions,
 /// independently of the library's own axis/angle code.
 class RandomMotion {
 public:
-    explicit RandomMotion(unsigned seed) : m_Engine(seed) {}
+    explicit RandomMotion(unsigned start) : m_Engine(start) {}
     double uniform(double low, double high) {
         return std::uniform_real_distribution<double>(low, high)(m_Engine);
     }

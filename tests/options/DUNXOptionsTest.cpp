@@ -146,14 +146,14 @@ TEST(DUNXOptions, PresentNamesAnswerAsTheTokenTreeDoes) {
                 names.push_back(std::string(a) + "." + b + "." + c);
         }
     }
-    for (unsigned seed = 0; seed < 40; ++seed) {
+    for (unsigned round = 0; round < 40; ++round) {
         DUNXOptions set;
         for (std::size_t i = 0; i < names.size(); ++i)
-            if ((i * 2654435761u + seed * 40503u) % 7 < 3) // a different third each time
+            if ((i * 2654435761u + round * 40503u) % 7 < 3) // a different third each time
                 set.AddOption(names[i].c_str(), names[i].c_str());
-        if (seed % 4 == 1)
+        if (round % 4 == 1)
             set = DUNXOptions(set); // copies must index their names too
-        if (seed % 4 == 2) {
+        if (round % 4 == 2) {
             set.RemoveAll(); // a cleared set answers nothing, then what is added again
             EXPECT_EQ(answer(set, "A"), "<none>");
             set.AddOption("A..B.", "again");
@@ -163,7 +163,7 @@ TEST(DUNXOptions, PresentNamesAnswerAsTheTokenTreeDoes) {
             DUNXOption* walked = nullptr;
             const long found = set.GetOption(DUNXString(name.c_str()), direct);
             const long foundByTree = set.GetOption(DUNXString(("." + name).c_str()), walked);
-            EXPECT_TRUE(found == foundByTree && direct == walked) << name << " seed " << seed;
+            EXPECT_TRUE(found == foundByTree && direct == walked) << name << " round " << round;
         }
     }
     DUNXOptions replaced = setOf({"K.L", "K.*"}); // a repeated name keeps its place, new value

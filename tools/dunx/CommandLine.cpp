@@ -28,11 +28,11 @@ enum class Flag {
 // The names handed to DUNXArgs: a trailing ':' takes a value, a leading '-'
 // makes the "--name" form. DUNXArgs lets an unambiguous abbreviation select the
 // first name it starts ("--rep" is "--report").
-struct Spec {
+struct OptionRow {
     const char* name;
     Flag flag;
 };
-constexpr Spec kSpecs[] = {
+constexpr OptionRow kOptionRows[] = {
     {"-help", Flag::Help},
     {"h", Flag::Help},
     {"-version", Flag::Version},
@@ -51,16 +51,16 @@ constexpr Spec kSpecs[] = {
     {"v", Flag::Verbose},
     {"-no-progress", Flag::NoProgress},
 };
-constexpr int kSpecCount = static_cast<int>(sizeof(kSpecs) / sizeof(kSpecs[0]));
+constexpr int kOptionCount = static_cast<int>(sizeof(kOptionRows) / sizeof(kOptionRows[0]));
 
 bool takesValue(int index) {
-    const char* name = kSpecs[index].name;
+    const char* name = kOptionRows[index].name;
     return name[std::strlen(name) - 1] == ':';
 }
 
 // "--unit" or "-u" as the user should read it in a message.
 std::string displayName(int index) {
-    std::string name = kSpecs[index].name;
+    std::string name = kOptionRows[index].name;
     if (name.back() == ':')
         name.pop_back();
     return "-" + name;
@@ -69,8 +69,8 @@ std::string displayName(int index) {
 class Parser {
 public:
     Parser(int argc, char** argv, CommandLine& line) : m_Argc(argc), m_Argv(argv), m_Line(line) {
-        for (int i = 0; i < kSpecCount; ++i)
-            m_Names[i] = const_cast<char*>(kSpecs[i].name);
+        for (int i = 0; i < kOptionCount; ++i)
+            m_Names[i] = const_cast<char*>(kOptionRows[i].name);
     }
 
     std::string run() {
@@ -120,8 +120,8 @@ private:
             char* alone[] = {m_Argv[0], name.data(), nullptr};
             DUNXArgs args(2, alone);
             int index = -1;
-            if (!args.GetNextOption(kSpecCount, m_Names, &index) ||
-                std::strncmp(name.c_str() + 1, kSpecs[index].name, name.size() - 1) != 0)
+            if (!args.GetNextOption(kOptionCount, m_Names, &index) ||
+                std::strncmp(name.c_str() + 1, kOptionRows[index].name, name.size() - 1) != 0)
                 return "unknown option '" + name + "' (see dunx --help)";
             if (!takesValue(index))
                 return "option " + displayName(index) + " takes no value";
@@ -130,10 +130,10 @@ private:
         char* alone[] = {m_Argv[0], argument, nullptr};
         DUNXArgs args(2, alone);
         int index = -1;
-        if (!args.GetNextOption(kSpecCount, m_Names, &index))
+        if (!args.GetNextOption(kOptionCount, m_Names, &index))
             return "unknown option '" + std::string(argument) + "' (see dunx --help)";
         const char* text = argument + 1;
-        if (std::strncmp(text, kSpecs[index].name, std::strlen(text)) == 0)
+        if (std::strncmp(text, kOptionRows[index].name, std::strlen(text)) == 0)
             return apply(index, argument, nullptr);
 
         // Matched by its first letter: a cluster of one-letter options ("-qv"),
@@ -144,7 +144,7 @@ private:
             std::string error = apply(index, argument, nullptr);
             if (!error.empty() || *++letter == '\0')
                 return error;
-            if (!args.GetNextOption(kSpecCount, m_Names, &index))
+            if (!args.GetNextOption(kOptionCount, m_Names, &index))
                 return "unknown option '-" + std::string(1, *letter) + "' in '" + argument +
                        "' (see dunx --help)";
         }
@@ -169,7 +169,7 @@ private:
                 ++m_Index;
             }
         }
-        switch (kSpecs[index].flag) {
+        switch (kOptionRows[index].flag) {
         case Flag::Help:
             m_Line.command = Command::Help;
             break;
@@ -213,7 +213,7 @@ private:
     char** m_Argv;
     CommandLine& m_Line;
     int m_Index = 1;
-    char* m_Names[kSpecCount] = {};
+    char* m_Names[kOptionCount] = {};
 };
 
 } // namespace

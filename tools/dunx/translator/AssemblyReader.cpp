@@ -50,7 +50,7 @@ std::string identity(const std::string& path) {
     return ::realpath(path.c_str(), resolved) ? std::string(resolved) : path;
 }
 
-struct ComponentSpec {
+struct ComponentText {
     std::string name;
     std::string file;                               // resolved
     DUNIUnitValue unit = DUNIUnitUnknown;           // unknown: not given
@@ -58,11 +58,11 @@ struct ComponentSpec {
     double translation[3] = {0, 0, 0};
 };
 
-struct AssemblySpec {
+struct AssemblyText {
     std::string path;
     std::string name;
     DUNIUnitValue unit = DUNIUnitUnknown; // unknown: not given
-    std::vector<ComponentSpec> components;
+    std::vector<ComponentText> components;
 };
 
 // Reads one section's keys: only known ones, each once.
@@ -147,7 +147,7 @@ std::unique_ptr<DUNXCfgFile> loadConfiguration(const std::string& path) {
     return configuration;
 }
 
-void readPlacement(const SectionReader& keys, ComponentSpec& component, const std::string& where) {
+void readPlacement(const SectionReader& keys, ComponentText& component, const std::string& where) {
     keys.Numbers("translation", component.translation, 3);
     if (keys.Has("rotation") && keys.Has("matrix"))
         throw invalid("assembly syntax", where + "give 'rotation' or 'matrix', not both");
@@ -168,7 +168,7 @@ void readPlacement(const SectionReader& keys, ComponentSpec& component, const st
     }
 }
 
-AssemblySpec parseAssembly(const std::string& path) {
+AssemblyText parseAssembly(const std::string& path) {
     std::unique_ptr<DUNXCfgFile> file = loadConfiguration(path);
     const DUNXCfgFileSection* top = file->GetSection("");
     std::string firstError;
@@ -183,7 +183,7 @@ AssemblySpec parseAssembly(const std::string& path) {
                           (firstError.empty() ? "" : "; " + firstError));
     if (!firstError.empty())
         throw invalid("assembly syntax", path + ": " + firstError);
-    AssemblySpec assembly;
+    AssemblyText assembly;
     assembly.path = path;
     SectionReader keys(*file, *top, path + ": ");
     keys.Check(kAssemblyKeys, std::size(kAssemblyKeys));
@@ -194,7 +194,7 @@ AssemblySpec parseAssembly(const std::string& path) {
         const DUNXCfgFileSection* section = file->GetSectionAt(s);
         if (section == top)
             continue;
-        ComponentSpec component;
+        ComponentText component;
         component.name = section->GetName();
         const std::string where = path + ": component '" + component.name + "': ";
         SectionReader componentKeys(*file, *section, where);
@@ -211,7 +211,7 @@ AssemblySpec parseAssembly(const std::string& path) {
 }
 
 // Builds the transform p -> matrix · (scale · p) + translation.
-DUNXAssemblyComponentTransform placementOf(const ComponentSpec& component, double scale) {
+DUNXAssemblyComponentTransform placementOf(const ComponentText& component, double scale) {
     double columns[9];
     for (int row = 0; row < 3; ++row)
         for (int column = 0; column < 3; ++column)
@@ -227,9 +227,9 @@ public:
     Planner(AssemblyPlan& plan, std::size_t maxPlacements)
         : m_Plan(plan), m_MaxPlacements(maxPlacements) {}
 
-    void Expand(const AssemblySpec& assembly, const DUNXAssemblyComponentTransform& toTop,
+    void Expand(const AssemblyText& assembly, const DUNXAssemblyComponentTransform& toTop,
                 DUNIUnitValue unit, const std::string& prefix, std::vector<std::string>& stack) {
-        for (const ComponentSpec& component : assembly.components) {
+        for (const ComponentText& component : assembly.components) {
             const std::string where = assembly.path + ": component '" + component.name + "': ";
             const DUNIUnitValue componentUnit =
                 component.unit != DUNIUnitUnknown ? component.unit : unit;
@@ -259,7 +259,7 @@ public:
                 throw invalid("assembly cycle",
                               where + "assemblies include each other: " + chain + component.file);
             }
-            const AssemblySpec& sub = assemblyOf(component.file, key, where);
+            const AssemblyText& sub = assemblyOf(component.file, key, where);
             const DUNIUnitValue subUnit = sub.unit != DUNIUnitUnknown ? sub.unit : componentUnit;
             stack.push_back(key);
             Expand(sub, toTop * placementOf(component, LengthScale(subUnit, unit)), subUnit,
@@ -268,23 +268,23 @@ public:
         }
     }
 
-    const AssemblySpec& Top(const std::string& path) {
+    const AssemblyText& Top(const std::string& path) {
         const std::string key = identity(path);
-        auto spec = std::make_unique<AssemblySpec>(parseAssembly(path));
+        auto parsed = std::make_unique<AssemblyText>(parseAssembly(path));
         m_Shown[key] = path;
         ++m_Plan.assemblyFiles;
-        return *(m_Assemblies[key] = std::move(spec));
+        return *(m_Assemblies[key] = std::move(parsed));
     }
 
 private:
-    const AssemblySpec& assemblyOf(const std::string& path, const std::string& key,
+    const AssemblyText& assemblyOf(const std::string& path, const std::string& key,
                                    const std::string& where) {
         auto found = m_Assemblies.find(key);
         if (found != m_Assemblies.end())
             return *found->second;
-        std::unique_ptr<AssemblySpec> spec;
+        std::unique_ptr<AssemblyText> parsed;
         try {
-            spec = std::make_unique<AssemblySpec>(parseAssembly(path));
+            parsed = std::make_unique<AssemblyText>(parseAssembly(path));
         } catch (const TranslationError& fault) {
             if (fault.Kind() != "not an assembly")
                 throw;
@@ -294,7 +294,7 @@ private:
         }
         m_Shown[key] = path;
         ++m_Plan.assemblyFiles;
-        return *(m_Assemblies[key] = std::move(spec));
+        return *(m_Assemblies[key] = std::move(parsed));
     }
 
     int partIndex(const std::string& path, const std::string& key, DUNIUnitValue unit,
@@ -311,7 +311,7 @@ private:
     AssemblyPlan& m_Plan;
     std::size_t m_MaxPlacements;
     std::size_t m_Visited = 0; // components met, sub-assemblies included
-    std::map<std::string, std::unique_ptr<AssemblySpec>> m_Assemblies;
+    std::map<std::string, std::unique_ptr<AssemblyText>> m_Assemblies;
     std::map<std::string, std::string> m_Shown; // identity => the path first used for it
     std::map<std::pair<std::string, DUNIUnitValue>, int> m_Parts;
 };
@@ -322,7 +322,7 @@ AssemblyPlan PlanAssembly(const std::string& path, DUNIUnitValue defaultUnit,
                           std::size_t maxPlacements) {
     AssemblyPlan plan;
     Planner planner(plan, maxPlacements);
-    const AssemblySpec& top = planner.Top(path);
+    const AssemblyText& top = planner.Top(path);
     plan.name = top.name.empty() ? FileStem(path) : top.name;
     plan.unit = top.unit != DUNIUnitUnknown ? top.unit : defaultUnit;
     std::vector<std::string> stack = {identity(path)};

@@ -38,8 +38,8 @@ struct Part {
 
 /// One placement of a part: the part's coordinates mapped into the output unit.
 struct Component {
-    std::string name; ///< one OBJ group per component
-    int part;         ///< index into Model::parts
+    std::string name;   ///< one OBJ group per component
+    int part;           ///< index into Model::parts
     double rotation[9]; ///< row-major 3x3, scale to the output unit included
     double translation[3];
 };
