@@ -113,8 +113,8 @@ def main():
         print("the unmutated tree fails its tests")
         return 1
 
-    generator = random.Random(args.sample)
-    sample = generator.sample(candidates, min(args.count, len(candidates)))
+    chooser = random.Random(args.sample)
+    sample = chooser.sample(candidates, min(args.count, len(candidates)))
     killed, survived, broken = 0, [], 0
     started = time.time()
     for number, (path, line_number, column, index) in enumerate(sample, 1):
