@@ -6,6 +6,7 @@
 #   make install PREFIX=/opt/dunx  configure, build and install
 #   make clean                     remove the build folder
 #   make bench                     benchmarks against limits and peers (Release)
+#   make bench-translate           dunx against assimp on one million STL triangles
 #   make fuzz                      every fuzz target for FUZZ_SECONDS (default 60)
 #
 # Variables:
@@ -105,6 +106,21 @@ bench:
 		$(if $(DUNX_CXX),-DCMAKE_CXX_COMPILER="$(DUNX_CXX)")
 	cmake --build "$(BENCH_DIR)" --parallel $(JOBS) --target dunx_bench
 	"$(BENCH_DIR)/bench/dunx_bench" $(BENCH_ARGS)
+
+# The driver against `assimp export`: a Release build of dunx of its own, then
+# one million triangles of binary STL to OBJ with each (bench/translation.py).
+BENCH_TRANSLATE_DIR ?= build-bench-translate
+BENCH_TRANSLATE_ARGS ?=
+
+.PHONY: bench-translate
+bench-translate:
+	@bash tools/check-deps.sh --bench $(if $(DUNX_CXX),--cxx "$(DUNX_CXX)") --no-tests
+	cmake -S . -B "$(BENCH_TRANSLATE_DIR)" $(if $(wildcard $(BENCH_TRANSLATE_DIR)/CMakeCache.txt),,$(if $(shell command -v ninja 2>/dev/null),-G Ninja)) \
+		-DCMAKE_BUILD_TYPE=Release -DBUILD_SHARED_LIBS=ON -DBUILD_TESTING=OFF -DDUNX_BUILD_TOOLS=ON \
+		$(if $(DUNX_CXX),-DCMAKE_CXX_COMPILER="$(DUNX_CXX)")
+	cmake --build "$(BENCH_TRANSLATE_DIR)" --parallel $(JOBS) --target dunx
+	python3 bench/translation.py --dunx "$(BENCH_TRANSLATE_DIR)/tools/dunx/dunx" \
+		--work "$(BENCH_TRANSLATE_DIR)/work" $(BENCH_TRANSLATE_ARGS)
 
 # Fuzzing: every libFuzzer target of fuzz/ for FUZZ_SECONDS each (clang,
 # -DDUNX_FUZZ=ON); FUZZ_TARGETS="archive string" runs only those.

@@ -10,7 +10,7 @@
 #   --pkg-config     also require pkg-config (otherwise it is optional)
 #   --make           also require GNU make
 #   --check-only     never install: name what is missing and fail
-#   --bench          also require what bench/ needs: Google Benchmark and the peers
+#   --bench          also require what bench/ needs: Google Benchmark and the peers (assimp too)
 #   --valgrind       also require valgrind (the memory check of .ci/run)
 #
 # When a Debian package is missing and this user is root, or may run sudo
@@ -145,6 +145,10 @@ check() {
                 problems+=("<$header> not found (needed by the benchmarks)")
             fi
         done
+        if ! command -v assimp >/dev/null 2>&1; then
+            missing+=(assimp-utils)
+            problems+=("assimp not found (the peer of the translation benchmark)")
+        fi
     fi
     return 0
 }
