@@ -6,6 +6,7 @@
 #   make install PREFIX=/opt/dunx  configure, build and install
 #   make clean                     remove the build folder
 #   make bench                     benchmarks against limits and peers (Release)
+#   make package                   Debian packages of the library and of dunx
 #   make bench-translate           dunx against assimp on one million STL triangles
 #   make fuzz                      every fuzz target for FUZZ_SECONDS (default 60)
 #
@@ -106,6 +107,20 @@ bench:
 		$(if $(DUNX_CXX),-DCMAKE_CXX_COMPILER="$(DUNX_CXX)")
 	cmake --build "$(BENCH_DIR)" --parallel $(JOBS) --target dunx_bench
 	"$(BENCH_DIR)/bench/dunx_bench" $(BENCH_ARGS)
+
+# Debian packages (cpack): dunxbase (library, headers, CMake and pkg-config
+# files) and dunx (the driver and its translator module), in $(PACKAGE_DIR).
+PACKAGE_DIR ?= build-package
+
+.PHONY: package
+package:
+	@bash tools/check-deps.sh --no-tests --package $(if $(DUNX_CXX),--cxx "$(DUNX_CXX)")
+	cmake -S . -B "$(PACKAGE_DIR)" $(if $(wildcard $(PACKAGE_DIR)/CMakeCache.txt),,$(if $(shell command -v ninja 2>/dev/null),-G Ninja)) \
+		-DCMAKE_BUILD_TYPE=Release -DCMAKE_INSTALL_PREFIX=/usr -DBUILD_SHARED_LIBS=ON \
+		-DBUILD_TESTING=OFF -DDUNX_BUILD_TOOLS=ON $(if $(DUNX_CXX),-DCMAKE_CXX_COMPILER="$(DUNX_CXX)")
+	cmake --build "$(PACKAGE_DIR)" --parallel $(JOBS)
+	cd "$(PACKAGE_DIR)" && cpack -G DEB
+	@echo "Packages:" && ls -1 "$(PACKAGE_DIR)"/*.deb
 
 # The driver against `assimp export`: a Release build of dunx of its own, then
 # one million triangles of binary STL to OBJ with each (bench/translation.py).

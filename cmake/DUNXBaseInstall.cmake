@@ -6,20 +6,23 @@ set(DUNX_CMAKE_DIR ${CMAKE_INSTALL_LIBDIR}/cmake/DUNXBase)
 
 install(TARGETS DUNXBase
     EXPORT DUNXBaseTargets
-    ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR}
-    LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}
-    RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR}
+    ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT library
+    LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT library
+    RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT library
     INCLUDES DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
 
 install(DIRECTORY ${PROJECT_SOURCE_DIR}/include/dunx
     DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}
+    COMPONENT library
     FILES_MATCHING PATTERN "*.h")
 install(FILES ${PROJECT_BINARY_DIR}/include/dunx/DUNXExport.h
-    DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/dunx)
+    DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/dunx
+    COMPONENT library)
 
 install(EXPORT DUNXBaseTargets
     NAMESPACE DUNXBase::
-    DESTINATION ${DUNX_CMAKE_DIR})
+    DESTINATION ${DUNX_CMAKE_DIR}
+    COMPONENT library)
 
 configure_package_config_file(
     ${PROJECT_SOURCE_DIR}/cmake/DUNXBaseConfig.cmake.in
@@ -32,7 +35,8 @@ write_basic_package_version_file(
 install(FILES
     ${PROJECT_BINARY_DIR}/DUNXBaseConfig.cmake
     ${PROJECT_BINARY_DIR}/DUNXBaseConfigVersion.cmake
-    DESTINATION ${DUNX_CMAKE_DIR})
+    DESTINATION ${DUNX_CMAKE_DIR}
+    COMPONENT library)
 
 # The pkg-config file finds its prefix from where it lies, so it stays right after
 # `cmake --install --prefix DIR` and after the whole tree is moved.
@@ -50,4 +54,5 @@ endif()
 configure_file(${PROJECT_SOURCE_DIR}/cmake/DUNXBase.pc.in
     ${PROJECT_BINARY_DIR}/DUNXBase.pc @ONLY)
 install(FILES ${PROJECT_BINARY_DIR}/DUNXBase.pc
-    DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
+    DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig
+    COMPONENT library)

@@ -2,7 +2,7 @@
 # Checks that the tools and packages a DUNXBase build needs are on this machine.
 #
 #   tools/check-deps.sh [--cxx COMPILER] [--no-tests] [--sanitize LIST] [--pkg-config] [--make]
-#                       [--check-only] [--bench] [--valgrind]
+#                       [--check-only] [--bench] [--valgrind] [--package]
 #
 #   --cxx COMPILER   the C++ compiler to check (default: $CXX, else c++ or g++)
 #   --no-tests       do not require GoogleTest (a build with -DBUILD_TESTING=OFF)
@@ -12,6 +12,7 @@
 #   --check-only     never install: name what is missing and fail
 #   --bench          also require what bench/ needs: Google Benchmark and the peers (assimp too)
 #   --valgrind       also require valgrind (the memory check of .ci/run)
+#   --package        also require dpkg-deb (make package)
 #
 # When a Debian package is missing and this user is root, or may run sudo
 # without a password, it says so, installs the packages with apt-get and
@@ -24,6 +25,7 @@ sanitize=""
 need_pkg_config=0
 need_make=0
 need_valgrind=0
+need_package=0
 may_install=1
 need_bench=0
 
@@ -35,9 +37,10 @@ while [[ $# -gt 0 ]]; do
         --pkg-config) need_pkg_config=1; shift ;;
         --make) need_make=1; shift ;;
         --valgrind) need_valgrind=1; shift ;;
+        --package) need_package=1; shift ;;
         --check-only) may_install=0; shift ;;
         --bench) need_bench=1; shift ;;
-        -h|--help) sed -n '2,17p' "$0" | sed 's/^# \{0,1\}//'; exit 0 ;;
+        -h|--help) sed -n '2,/^set /{/^#/p}' "$0" | sed 's/^# \{0,1\}//'; exit 0 ;;
         *) echo "check-deps: unknown argument '$1' (see --help)" >&2; exit 2 ;;
     esac
 done
@@ -126,6 +129,11 @@ check() {
     if [[ $need_valgrind -eq 1 ]] && ! command -v valgrind >/dev/null 2>&1; then
         missing+=(valgrind)
         problems+=("valgrind not found")
+    fi
+
+    if [[ $need_package -eq 1 ]] && ! command -v dpkg-deb >/dev/null 2>&1; then
+        missing+=(dpkg)
+        problems+=("dpkg-deb not found (make package builds Debian packages)")
     fi
 
     if [[ $need_make -eq 1 ]] && ! command -v make >/dev/null 2>&1; then

@@ -414,7 +414,7 @@ TEST(AssemblyReader, NamesAComponentThatIsNoAssemblyAndStopsARunawayExpansion) {
         std::string top, kind, message; // top.cfg ("": eight levels); '$' stands for the folder
     };
     const Row rows[] = {
-        {"assembly = t\n[notes]\nfile = text.txt\n", "not an assembly",
+        {"assembly = t\n[notes]\nfile = text.txt\n", "not STL",
          "$/top.cfg: component 'notes': $/text.txt is neither an STL file nor an assembly"},
         {"unit = mm\n[p]\nfile = p.stl\n", "not an assembly", "$/top.cfg: not an assembly: no"},
         // Each level places the next ten times: 10^8 parts, were it expanded.

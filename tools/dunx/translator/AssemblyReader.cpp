@@ -230,23 +230,20 @@ public:
     void Expand(const AssemblyText& assembly, const DUNXAssemblyComponentTransform& toTop,
                 DUNIUnitValue unit, const std::string& prefix, std::vector<std::string>& stack) {
         for (const ComponentText& component : assembly.components) {
-            const std::string where = assembly.path + ": component '" + component.name + "': ";
+            // Only a refusal needs the place spelt out.
+            const auto where = [&] {
+                return assembly.path + ": component '" + component.name + "': ";
+            };
             const DUNIUnitValue componentUnit =
                 component.unit != DUNIUnitUnknown ? component.unit : unit;
             if (++m_Visited > m_MaxPlacements)
                 throw invalid("too many components",
-                              where + "more than " + std::to_string(m_MaxPlacements) +
+                              where() + "more than " + std::to_string(m_MaxPlacements) +
                                   " components placed: sub-assemblies multiply too much");
-            std::uint64_t size = 0;
-            FileKind kind = FileKind::Text;
-            try {
-                kind = ProbeFile(component.file, size);
-            } catch (const TranslationError& fault) {
-                throw TranslationError(fault.Code(), fault.Kind(), where + fault.what());
-            }
-            const std::string key = identity(component.file);
-            if (kind != FileKind::Text) {
-                const int part = partIndex(component.file, key, componentUnit, size);
+            const Probe& probe = probeOf(component.file, where);
+            const std::string& key = probe.key;
+            if (probe.kind != FileKind::Text) {
+                const int part = partIndex(component.file, key, componentUnit, probe.size);
                 m_Plan.placements.push_back(
                     {prefix + component.name, part,
                      toTop * placementOf(component, LengthScale(componentUnit, unit))});
@@ -257,7 +254,7 @@ public:
                 for (auto at = std::find(stack.begin(), stack.end(), key); at != stack.end(); ++at)
                     chain += m_Shown[*at] + " -> ";
                 throw invalid("assembly cycle",
-                              where + "assemblies include each other: " + chain + component.file);
+                              where() + "assemblies include each other: " + chain + component.file);
             }
             const AssemblyText& sub = assemblyOf(component.file, key, where);
             const DUNIUnitValue subUnit = sub.unit != DUNIUnitUnknown ? sub.unit : componentUnit;
@@ -277,8 +274,31 @@ public:
     }
 
 private:
+    struct Probe {
+        FileKind kind = FileKind::Text;
+        std::uint64_t size = 0;
+        std::string key; // identity()
+    };
+
+    // What a component's file is, looked at once per file: assemblies that multiply
+    // their sub-assemblies meet the same files many times over.
+    template <typename Where> const Probe& probeOf(const std::string& path, const Where& where) {
+        auto found = m_Probes.find(path);
+        if (found != m_Probes.end())
+            return found->second;
+        Probe probe;
+        try {
+            probe.kind = ProbeFile(path, probe.size);
+        } catch (const TranslationError& fault) {
+            throw TranslationError(fault.Code(), fault.Kind(), where() + fault.what());
+        }
+        probe.key = identity(path);
+        return m_Probes.emplace(path, std::move(probe)).first->second;
+    }
+
+    template <typename Where>
     const AssemblyText& assemblyOf(const std::string& path, const std::string& key,
-                                   const std::string& where) {
+                                   const Where& where) {
         auto found = m_Assemblies.find(key);
         if (found != m_Assemblies.end())
             return *found->second;
@@ -288,9 +308,11 @@ private:
         } catch (const TranslationError& fault) {
             if (fault.Kind() != "not an assembly")
                 throw;
-            throw invalid(fault.Kind(), where + path +
-                                            " is neither an STL file nor an assembly (no "
-                                            "'assembly' key before the first section)");
+            // Reported under the kind the top file gets, so that the caller does not
+            // take it for the top file's own refusal and name the wrong file.
+            throw invalid("not STL", where() + path +
+                                         " is neither an STL file nor an assembly (no "
+                                         "'assembly' key before the first section)");
         }
         m_Shown[key] = path;
         ++m_Plan.assemblyFiles;
@@ -314,6 +336,7 @@ private:
     std::map<std::string, std::unique_ptr<AssemblyText>> m_Assemblies;
     std::map<std::string, std::string> m_Shown; // identity => the path first used for it
     std::map<std::pair<std::string, DUNIUnitValue>, int> m_Parts;
+    std::map<std::string, Probe> m_Probes; // component file as written => what it is
 };
 
 } // namespace
