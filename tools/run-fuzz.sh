@@ -48,11 +48,11 @@ scratch="$(mktemp -d)"
 trap 'rm -rf "$scratch"' EXIT
 failed=0
 for subject in "${subjects[@]}"; do
-    program="$(find "$build_dir" -name "${subject}_fuzz" -type f -perm -u+x | head -n 1)"
+    program="$(realpath "$(find "$build_dir" -name "${subject}_fuzz" -type f -perm -u+x | head -n 1)")"
     mkdir -p "$scratch/$subject" "$build_dir/findings/$subject"
     log="$build_dir/findings/$subject/last-run.log"
     if (cd "$build_dir/findings/$subject" &&
-        "$OLDPWD/$program" -max_total_time="$seconds" -timeout=10 -rss_limit_mb=2048 \
+        "$program" -max_total_time="$seconds" -timeout=10 -rss_limit_mb=2048 \
             -print_final_stats=1 "$scratch/$subject" "$OLDPWD/fuzz/corpus/$subject") >"$log" 2>&1; then
         runs="$(sed -n 's/^stat::number_of_executed_units: *//p' "$log")"
         cover="$(grep -o 'cov: [0-9]*' "$log" | tail -n 1)"
