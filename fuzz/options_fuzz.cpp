@@ -1,4 +1,5 @@
-// The option set: dotted names with wildcards added and looked up, values parsed from text.
+// The option set: dotted names with wildcards added and looked up, values parsed from text;
+// the index of stored names against the token tree it stands in front of.
 #include <dunx/DUNXOptions.h>
 
 #include "FuzzInput.h"
@@ -23,8 +24,16 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
             break;
         case 3: {
             DUNXOption* found = nullptr;
-            if (options.GetOption(DUNXString(name.c_str()), found).IsSuccess() && !found)
+            const bool success = options.GetOption(DUNXString(name.c_str()), found).IsSuccess();
+            if (success && !found)
                 std::abort(); // success must hand back an option
+            // A leading empty token sends the lookup through the token tree, past the
+            // index of stored names: both must find the same option.
+            DUNXOption* walked = nullptr;
+            const bool walkedSuccess =
+                options.GetOption(DUNXString(("." + name).c_str()), walked).IsSuccess();
+            if (walkedSuccess != success || walked != found)
+                std::abort();
             break;
         }
         default: {

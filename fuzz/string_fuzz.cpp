@@ -1,12 +1,78 @@
-// DUNXString from narrow text in C.UTF-8 and from UTF-8, with searches, cuts and comparisons.
+// DUNXString from narrow text in C.UTF-8 and from UTF-8, with searches, cuts and comparisons;
+// the fast conversions and comparisons against their plain definitions.
 #include <dunx/DUNXString.h>
 
 #include "FuzzInput.h"
 
+#include <algorithm>
 #include <clocale>
 #include <cstdint>
 #include <cstdlib>
 #include <cstring>
+#include <cwchar>
+#include <vector>
+
+namespace {
+
+using Units = std::vector<unsigned short>;
+
+Units unitsOf(const DUNXString& s) {
+    const unsigned short* units = s;
+    return units ? Units(units, units + s.length()) : Units();
+}
+
+// The plain narrow conversion that the fast paths stand in for: one mbrtowc
+// call per character; when the locale cannot read the text, every byte
+// becomes a unit of its own value.
+Units unitsByTheLocale(const char* text) {
+    const std::size_t size = std::strlen(text);
+    Units units;
+    std::mbstate_t state{};
+    for (std::size_t i = 0; i < size;) {
+        wchar_t wc = 0;
+        const std::size_t used = std::mbrtowc(&wc, text + i, size - i, &state);
+        const auto code = static_cast<unsigned long>(wc);
+        if (used == static_cast<std::size_t>(-1) || used == static_cast<std::size_t>(-2) ||
+            used == 0 || code > 0x10FFFF || (code >= 0xD800 && code < 0xE000)) {
+            units.clear();
+            for (std::size_t j = 0; j < size; ++j)
+                units.push_back(static_cast<unsigned char>(text[j]));
+            return units;
+        }
+        if (code > 0xFFFF) {
+            units.push_back(static_cast<unsigned short>(0xD800 + ((code - 0x10000) >> 10)));
+            units.push_back(static_cast<unsigned short>(0xDC00 + ((code - 0x10000) & 0x3FF)));
+        } else {
+            units.push_back(static_cast<unsigned short>(code));
+        }
+        i += used;
+    }
+    return units;
+}
+
+// equals, hashCode and indexOf by their unit-by-unit definitions, against the
+// library's word-at-a-time and vector forms.
+void checkAgainstDefinitions(const DUNXString& a, const DUNXString& b, int from) {
+    const Units x = unitsOf(a), y = unitsOf(b);
+    if (a.equals(b) != (x == y))
+        std::abort();
+    unsigned hash = 0;
+    for (unsigned short unit : x)
+        hash = hash * 33 + unit;
+    if (a.hashCode() != hash)
+        std::abort();
+    int expected = -1;
+    if (!x.empty() && !y.empty() && from >= 0 && from < static_cast<int>(x.size()))
+        for (std::size_t at = static_cast<std::size_t>(from); at + y.size() <= x.size(); ++at)
+            if (std::equal(y.begin(), y.end(), x.begin() + static_cast<long>(at))) {
+                expected = static_cast<int>(at);
+                break;
+            }
+    if (a.indexOf(b, from) != expected)
+        std::abort();
+}
+
+} // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     static const bool locale = std::setlocale(LC_ALL, "C.UTF-8") != nullptr;
@@ -23,6 +89,11 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     if (narrow && std::strlen(narrow) > 4 * first.size() + 4)
         std::abort();
     const int from = input.below(64) - 8, to = input.below(64) - 8;
+    if (unitsOf(a) != unitsByTheLocale(first.c_str()) ||
+        unitsOf(b) != unitsByTheLocale(second.c_str()))
+        std::abort();
+    checkAgainstDefinitions(a, b, from);
+    checkAgainstDefinitions(a + b, b, from);
     a.indexOf(b);
     a.lastIndexOf(b);
     a.indexOf(b, from);
