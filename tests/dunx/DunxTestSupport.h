@@ -1,38 +1,21 @@
-// What the end-to-end tests of dunx need: the program run as a process, STL
-// files written byte by byte, and independent readers of STL, OBJ and JSON.
+// What the end-to-end tests of dunx need: the program run as a process, and
+// independent readers of its outputs (MeshFiles.h for STL and OBJ, JSON here).
 #pragma once
+
+#include "MeshFiles.h"
 
 #include <gtest/gtest.h>
 
-#include <algorithm>
-#include <array>
-#include <cmath>
-#include <cstdint>
-#include <cstdlib>
 #include <cstring>
 #include <fcntl.h>
 #include <filesystem>
-#include <fstream>
 #include <map>
 #include <pty.h>
-#include <set>
-#include <sstream>
-#include <string>
 #include <sys/wait.h>
 #include <unistd.h>
-#include <utility>
-#include <vector>
 
 namespace dunxtest {
 
-inline std::string ReadText(const std::string& path) { // "" when it cannot be read
-    std::ostringstream text;
-    text << std::ifstream(path, std::ios::binary).rdbuf();
-    return text.str();
-}
-inline void WriteText(const std::string& path, const std::string& text) {
-    std::ofstream(path, std::ios::binary) << text;
-}
 inline bool FileExists(const std::string& path) {
     return ::access(path.c_str(), F_OK) == 0;
 }
@@ -58,7 +41,6 @@ using Env = std::vector<std::pair<std::string, std::string>>;
 /// How a run of dunx ended.
 struct RunResult {
     int exitCode = -1; ///< -1 when it did not exit normally
-    int signal = 0;    ///< the signal that ended it, else 0
     std::string out, err;
     std::string LastErrorLine() const { // the last non-empty line of standard error
         const std::string text = err.substr(0, err.find_last_not_of('\n') + 1);
@@ -112,7 +94,6 @@ inline RunResult FinishDunx(pid_t pid, const std::string& cwd, int terminal = -1
     if (terminal >= 0)
         ::close(terminal);
     return {WIFEXITED(status) ? WEXITSTATUS(status) : -1,
-            WIFSIGNALED(status) ? WTERMSIG(status) : 0,
             terminal >= 0 ? shown : ReadText(cwd + "/.dunx-out"),
             terminal >= 0 ? "" : ReadText(cwd + "/.dunx-err")};
 }
@@ -131,150 +112,6 @@ inline void ExpectHas(const std::string& text, const std::vector<std::string>& p
         EXPECT_NE(text.find(piece), std::string::npos) << "'" << piece << "' not in:\n" << text;
 }
 
-using Point = std::array<double, 3>;
-using Triangle = std::array<Point, 3>;
-using Mesh = std::vector<Triangle>;
-
-inline Mesh Box(const Point& l, const Point& h) { // 12 triangles facing out
-    // Corner i takes the high side on the axes of its bits: x 1, y 2, z 4.
-    const auto c = [&](int i) {
-        return Point{i & 1 ? h[0] : l[0], i & 2 ? h[1] : l[1], i & 4 ? h[2] : l[2]};
-    };
-    const int quads[6][4] = {{0, 2, 3, 1}, {4, 5, 7, 6}, {0, 1, 5, 4},
-                             {3, 2, 6, 7}, {1, 3, 7, 5}, {0, 4, 6, 2}};
-    Mesh mesh;
-    for (const auto& q : quads)
-        mesh.insert(mesh.end(), {{c(q[0]), c(q[1]), c(q[2])}, {c(q[0]), c(q[2]), c(q[3])}});
-    return mesh;
-}
-inline Mesh Tetrahedron(const Point& a, const Point& b, const Point& c, const Point& d) {
-    return {{a, c, b}, {a, b, d}, {b, c, d}, {c, a, d}};
-}
-inline Mesh operator+(Mesh a, const Mesh& b) {
-    a.insert(a.end(), b.begin(), b.end());
-    return a;
-}
-
-/// The bytes of a binary STL (little-endian, as the machine's own numbers);
-/// `declaredCount` -1 declares the true count.
-inline std::string BinaryStl(const Mesh& mesh, const std::string& header = "binary STL",
-                             long declaredCount = -1) {
-    std::string out = header;
-    out.resize(80, ' ');
-    const auto count = static_cast<std::uint32_t>(declaredCount < 0 ? mesh.size() : declaredCount);
-    out.append(reinterpret_cast<const char*>(&count), 4);
-    for (const Triangle& t : mesh) {
-        float record[12] = {}; // the normal first, left zero: readers recompute it
-        for (int i = 0; i < 9; ++i)
-            record[3 + i] = static_cast<float>(t[i / 3][i % 3]);
-        out.append(reinterpret_cast<const char*>(record), 48).append(2, '\0');
-    }
-    return out;
-}
-
-/// The text of an ASCII STL of several solids (name, triangles).
-inline std::string AsciiStl(const std::vector<std::pair<std::string, Mesh>>& solids) {
-    std::ostringstream out;
-    out.precision(9);
-    for (const auto& [name, mesh] : solids) {
-        out << "solid " << name << "\n";
-        for (const Triangle& t : mesh) {
-            out << "  facet normal 0 0 0\n    outer loop\n";
-            for (const Point& p : t)
-                out << "      vertex " << p[0] << " " << p[1] << " " << p[2] << "\n";
-            out << "    endloop\n  endfacet\n";
-        }
-        out << "endsolid " << name << "\n";
-    }
-    return out.str();
-}
-
-/// The triangles of a binary or ASCII STL file (binary when its size is 84
-/// bytes plus 50 per counted triangle), all solids together.
-inline Mesh ReadStl(const std::string& path) {
-    const std::string bytes = ReadText(path);
-    std::uint32_t count = 0;
-    if (bytes.size() >= 84)
-        std::memcpy(&count, bytes.data() + 80, 4);
-    const bool binary = bytes.size() >= 84 && bytes.size() == 84 + 50 * std::size_t{count};
-    std::vector<float> numbers; // STL numbers are floats, as the binary form stores them
-    for (std::size_t i = 0; binary && i < count; ++i)
-        for (std::size_t at = 84 + 50 * i + 12; at < 84 + 50 * i + 48; at += 4) // past the normal
-            std::memcpy(&numbers.emplace_back(), bytes.data() + at, 4);
-    std::istringstream words(binary ? "" : bytes);
-    std::string word;
-    for (float x, y, z; words >> word;)
-        if (word == "vertex" && words >> x >> y >> z)
-            numbers.insert(numbers.end(), {x, y, z});
-    Mesh mesh(numbers.size() / 9);
-    for (std::size_t i = 0; i < mesh.size() * 9; ++i)
-        mesh[i / 9][i % 9 / 3][i % 3] = numbers[i];
-    return mesh;
-}
-
-/// A Wavefront OBJ file as an independent reader sees it.
-struct ObjGroup {
-    std::string name;
-    std::vector<std::vector<long>> faces; ///< 0-based indices into ObjFile::vertices
-};
-struct ObjFile {
-    std::string error; ///< "" when the file read well
-    std::vector<Point> vertices;
-    std::vector<ObjGroup> groups;
-
-    /// The faces of the groups named `name` or `name/...` (a part's solids); all for "".
-    ObjGroup Faces(const std::string& name = "") const {
-        ObjGroup all{name, {}};
-        for (const ObjGroup& group : groups)
-            if (name.empty() || group.name == name || group.name.rfind(name + "/", 0) == 0)
-                all.faces.insert(all.faces.end(), group.faces.begin(), group.faces.end());
-        return all;
-    }
-    /// The distinct vertices that the faces of `group` use.
-    std::vector<Point> Used(const ObjGroup& group) const {
-        std::set<long> used;
-        for (const auto& face : group.faces)
-            used.insert(face.begin(), face.end());
-        std::vector<Point> points;
-        for (long index : used)
-            points.push_back(vertices[static_cast<std::size_t>(index)]);
-        return points;
-    }
-};
-
-inline ObjFile ReadObj(const std::string& path) {
-    ObjFile obj;
-    std::ifstream in(path);
-    obj.error = in ? "" : "cannot open " + path;
-    std::string line, keyword;
-    for (long number = 1; obj.error.empty() && std::getline(in, line); ++number) {
-        std::istringstream words(line);
-        const std::string where = "line " + std::to_string(number) + ": ";
-        Point p{};
-        if (!(words >> keyword) || keyword[0] == '#')
-            continue;
-        if (keyword == "v") {
-            obj.error = words >> p[0] >> p[1] >> p[2] ? "" : where + "bad vertex";
-            obj.vertices.push_back(p);
-        } else if (keyword == "g" || keyword == "o") {
-            std::getline(words >> std::ws, obj.groups.emplace_back().name);
-        } else if (keyword == "f") {
-            if (obj.groups.empty())
-                obj.groups.emplace_back();
-            std::vector<long>& face = obj.groups.back().faces.emplace_back();
-            // "v", "v/vt", "v//vn" or "v/vt/vn"; negative counts from the end.
-            for (std::string corner; words >> corner;) {
-                const long index = std::strtol(corner.c_str(), nullptr, 10);
-                face.push_back(index < 0 ? static_cast<long>(obj.vertices.size()) + index
-                                         : index - 1);
-                if (face.back() < 0 || face.back() >= static_cast<long>(obj.vertices.size()))
-                    obj.error = where + "vertex out of range";
-            }
-            obj.error += face.size() < 3 ? where + "face of fewer than 3 vertices" : "";
-        }
-    }
-    return obj;
-}
 /// The bounding box of `points` (low, high).
 inline std::pair<Point, Point> Bounds(const std::vector<Point>& points) {
     Point low{HUGE_VAL, HUGE_VAL, HUGE_VAL}, high{-HUGE_VAL, -HUGE_VAL, -HUGE_VAL};

@@ -1,11 +1,9 @@
 #include <dunx/DUNXEventBus.h>
 #include <dunx/DUNXFileHeader.h>
-#include <dunx/DUNXLogger.h>
 #include <dunx/DUNXOutputStream.h>
 #include <dunx/DUNXTaskEvent.h>
 
 #include "support/ScopedEnvironmentVariable.h"
-#include "support/TempDir.h"
 
 #include <gtest/gtest.h>
 
@@ -65,6 +63,9 @@ TEST(DUNXTaskEvent, EveryStageFiresItsNameIdentifierLevelAndText) {
         bool end;
         std::string text;
     };
+    const std::string failure = kRule + "\nTarget Document Preprocessing Result : Failure\n",
+                      written = "Output File \"a.obj\" is Successfully Written\n";
+    // clang-format off
     const Row rows[] = {
         {[] { DUNXStartProductEvent::Fire("Part", "dunx"); }, "Start Product", "Product", 50, false,
          "Product              : Part\nApplication          : dunx\n"},
@@ -78,8 +79,8 @@ TEST(DUNXTaskEvent, EveryStageFiresItsNameIdentifierLevelAndText) {
          "Product Failed with code 16777230 (File Open Error)\n"},
         {[] { DUNXEndProductEvent::Fire(DUNI_S_PARTIAL_SUCCESS); }, "Product End", "Product", 50,
          true, "Product Failed with code 1 (Partial Success)\n"},
-        {[] { DUNXStartConversionTaskEvent::Fire(); }, "DUNXStartConversionTaskEvent", "Conversion",
-         50, false, ""},
+        {[] { DUNXStartConversionTaskEvent::Fire(); }, "DUNXStartConversionTaskEvent",
+         "Conversion", 50, false, ""},
         {[] { DUNXStartConversionStageEvent::Fire("Faces", 2, 40.0, true); },
          "DUNXStartConversionStageEvent", "<null>", 50, false, ""},
         {[] { DUNXStartOptionsTaskEvent::Fire(); }, "DUNXStartOptionsTaskEvent", "Options", 50,
@@ -92,7 +93,7 @@ TEST(DUNXTaskEvent, EveryStageFiresItsNameIdentifierLevelAndText) {
          "Start Target Document Preprocessing", "Target Document Preprocessing", 50, false, ""},
         {[] { DUNXEndPreprocessDocumentEvent::Fire(DUNI_E_FAIL, false); },
          "Target Document Preprocessing", "Target Document Preprocessing", 50, true,
-         kRule + "\nTarget Document Preprocessing Result : Failure\n" + kRule + "\n"},
+         failure + kRule + "\n"},
         {[] { DUNXStartReadFileTaskEvent::Fire("in.stl"); }, "DUNXStartReadFileTaskEvent",
          "Read File", 50, false, ""},
         {[] { DUNXStartReadFileTaskEvent::Fire(DUNXString("in.stl")); },
@@ -107,23 +108,20 @@ TEST(DUNXTaskEvent, EveryStageFiresItsNameIdentifierLevelAndText) {
          "Read Entities", 50, true, ""},
         {[] { DUNXStartTranslateRepairEvent::Fire("Sew", "Face", 7); },
          "DUNXStartTranslateRepairEvent", "Repair", 30, false, ""},
-        {[] {
-             DUNXStartTranslateRepairEvent event("Sew", "Face", 7, DUNXLevelDebug);
-             DUNXEventBus::Fire(event);
-         },
-         "DUNXStartTranslateRepairEvent", "Repair", 10, false, ""},
+        {[] { DUNXStartTranslateRepairEvent e("Sew", "Face", 7, DUNXLevelDebug);
+              DUNXEventBus::Fire(e); }, "DUNXStartTranslateRepairEvent", "Repair", 10, false, ""},
         {[] { DUNXStartTaskEvent::Fire("Translation", "Translation", DUNXLevelInfo); },
          "Translation", "Translation", 50, false, ""},
-        {[] { DUNXStartPostprocessDocumentEvent::Fire(); }, "Start Target Document Postprocessing",
-         "Target Document Postprocessing", 50, false, ""},
+        {[] { DUNXStartPostprocessDocumentEvent::Fire(); },
+         "Start Target Document Postprocessing", "Target Document Postprocessing", 50, false, ""},
         {[] { DUNXEndPostprocessDocumentEvent::Fire(DUNI_S_NO_ENTITY); },
          "Target Document Postprocessing", "Target Document Postprocessing", 50, true,
          kRule + "\nTarget Document Postprocessing Result : No Entity to Translate\n" + kRule +
              "\n"},
         {[] { DUNXStartWriteFileTaskEvent::Fire(DUNXFilePath("out/a.obj")); }, "Writing File",
          "File Write", 50, false, ""},
-        {[] { DUNXEndWriteFileTaskEvent::Fire(DUNXString("a.obj"), DUNI_S_SUCCESS); }, "File Write",
-         "File Write", 50, true, "Output File \"a.obj\" is Successfully Written\n" + kRule + "\n"},
+        {[] { DUNXEndWriteFileTaskEvent::Fire(DUNXString("a.obj"), DUNI_S_SUCCESS); },
+         "File Write", "File Write", 50, true, written + kRule + "\n"},
         {[] { DUNXEndWriteFileTaskEvent::Fire(DUNXString(""), DUNI_S_SUCCESS); }, "File Write",
          "File Write", 50, true, "Output File is Successfully Written\n" + kRule + "\n"},
         {[] { DUNXEndWriteFileTaskEvent::Fire(DUNXString(), DUNI_A_ABORTED); }, "File Write",
@@ -131,15 +129,15 @@ TEST(DUNXTaskEvent, EveryStageFiresItsNameIdentifierLevelAndText) {
         {[] { DUNXEndWriteFileTaskEvent::Fire(DUNXString("b"), DUNI_E_FILE_SAVE); }, "File Write",
          "File Write", 50, true,
          "Output File \"b\" Writting has Failed with code16777231\n" + kRule + "\n"},
-        {[] {
-             DUNXEndTaskEvent::Fire(DUNI_E_FAIL, "Conversion", "Conversion", DUNXLevelInfo, true);
-         },
+        {[] { DUNXEndTaskEvent::Fire(DUNI_E_FAIL, "Conversion", "Conversion", DUNXLevelInfo,
+                                     true); },
          "Conversion", "Conversion", 50, true, ""},
         {[] { DUNXEndTaskEvent::Fire(DUNI_E_FAIL, "Step", "Id", DUNXLevelVerbose, false); }, "Step",
          "Id", 30, true, kRule + "\nStep Result : Failure\n" + kRule + "\n"},
         {[] { DUNXStartTaskEvent::Fire("", nullptr, DUNXLevelError); }, "<null>", "<null>", 80,
          false, ""},
     };
+    // clang-format on
     for (const Row& row : rows) {
         SCOPED_TRACE(&row - rows);
         TaskRecorder recorder;
@@ -286,44 +284,4 @@ TEST(DUNXTaskEvent, EndOfReadingPrintsTheSourceHeaderPerModel) {
     EXPECT_TRUE(header.GetHeaderText(-1).equals(""));
     header.Clear();
     EXPECT_EQ(textOf(event), "");
-}
-
-TEST(DUNXTaskEvent, AWholeTranslationNestLogsLineForLineToAFile) {
-    ScopedEnvironmentVariable level("DUNXLogLevel", nullptr);
-    ScopedEnvironmentVariable trace("DUNXTrace", nullptr);
-    TempDir dir;
-    DUNXFileHeader header;
-    header.AddEntry(header.AddModel(), "Format", "binary STL");
-    {
-        DUNXLogFileWrapper log(dir.file("read.log").c_str());
-        DUNXStartProductEvent product("Bracket", "dunx");
-        product.AddOption("Units", "mm");
-        DUNXEventBus::Fire(product);
-        DUNXStartConversionTaskEvent::Fire();
-        DUNXStartOptionsTaskEvent::Fire();
-        DUNXEndOptionsTaskEvent::Fire(DUNI_S_SUCCESS);
-        DUNXStartPreprocessDocumentEvent::Fire(true);
-        DUNXEndPreprocessDocumentEvent::Fire(DUNI_S_SUCCESS, true);
-        DUNXStartReadFileTaskEvent::Fire("bracket.stl");
-        DUNXStartReadEntitiesTaskEvent::Fire();
-        DUNXStartTranslateRepairEvent::Fire("Drop", "Triangle", 3); // verbose: below the log's 50
-        DUNXEndReadEntitiesTaskEvent::Fire(DUNI_S_SUCCESS);
-        DUNXEndReadFileTaskEvent::Fire(DUNI_S_SUCCESS, &header);
-        DUNXStartWriteFileTaskEvent::Fire(DUNXFilePath("bracket.obj"));
-        DUNXEndWriteFileTaskEvent::Fire(DUNXString("bracket.obj"), DUNI_E_FILE_SAVE);
-        DUNXEndTaskEvent::Fire(DUNI_E_FILE_SAVE, "Conversion", "Conversion", DUNXLevelInfo, true);
-        DUNXEndProductEvent::Fire(DUNI_E_FILE_SAVE);
-    }
-    const std::string rule = kRule + "\n";
-    EXPECT_EQ(dir.read("read.log"),
-              "Product              : Bracket\n"
-              "Application          : dunx\n"
-              "Units                : mm\n" +
-                  rule + "Options logging Result : Success\n" + rule + rule +
-                  "Source Document Preprocessing Result : Success\n" + rule +
-                  "-------------------------Source File Header Information----------------------"
-                  "---\n"
-                  "Format               : binary STL\n" +
-                  rule + "Output File \"bracket.obj\" Writting has Failed with code16777231\n" +
-                  rule + "Product Failed with code 16777231 (File Save Error)\n");
 }

@@ -2,7 +2,6 @@
 #include <dunx/DUNXLogger.h>
 #include <dunx/DUNXTaskEvent.h>
 #include <dunx/DUNXTimingLogger.h>
-
 #include <dunx/DUNXTrace.h>
 
 #include "support/EventRecorder.h"
@@ -50,15 +49,11 @@ const std::string kTimingEnd = "================= End Timing Performance Summary
 
 // Hands a hand-stamped task event to `logger` directly, as the bus would.
 void feed(DUNXTimingLogger& logger, bool end, const char* identifier, long long time, long clock) {
-    if (end) {
-        DUNXEndTaskEvent event(DUNI_S_SUCCESS, "task", identifier, DUNXLevelInfo, true);
-        event.SetTime(time), event.SetClock(clock);
-        logger.HandleEvent(event);
-    } else {
-        DUNXStartTaskEvent event("task", identifier, DUNXLevelInfo);
-        event.SetTime(time), event.SetClock(clock);
-        logger.HandleEvent(event);
-    }
+    DUNXStartTaskEvent start("task", identifier, DUNXLevelInfo);
+    DUNXEndTaskEvent finish(DUNI_S_SUCCESS, "task", identifier, DUNXLevelInfo, true);
+    DUNXTaskEvent& event = end ? static_cast<DUNXTaskEvent&>(finish) : start;
+    event.SetTime(time), event.SetClock(clock);
+    logger.HandleEvent(event);
 }
 
 // The texts of the recorded message events, with the line ends the message events add removed.
@@ -143,17 +138,15 @@ TEST(DUNXTimingLogger, PairsStartsAndEndsByIdentifierOnTheClockOrTheCalendar) {
     feed(logger, false, "Read File", 0, 0);
     EXPECT_EQ(logger.GetOpenTaskCount(), 0) << "a logger not initialised times nothing";
     logger.Initialize();
-    const struct {
+    struct Pair {
         const char* task;
         long long seconds; // calendar difference
         long milliseconds; // clock difference
         double elapsed;
-    } pairs[] = {
-        {"Short", 3, 2500, 2.5}, // up to 600 s: the clock, to the millisecond
-        {"Edge", 600, 600123, 600.123},
-        {"Long", 700, 5000, 700.0}, // beyond: calendar seconds
     };
-    for (const auto& pair : pairs) {
+    // Up to 600 s the clock, to the millisecond; beyond, calendar seconds.
+    for (const Pair& pair : {Pair{"Short", 3, 2500, 2.5}, Pair{"Edge", 600, 600123, 600.123},
+                             Pair{"Long", 700, 5000, 700.0}}) {
         SCOPED_TRACE(pair.task);
         feed(logger, false, pair.task, 1000, 40);
         feed(logger, true, pair.task, 1000 + pair.seconds, 40 + pair.milliseconds);
@@ -165,7 +158,6 @@ TEST(DUNXTimingLogger, PairsStartsAndEndsByIdentifierOnTheClockOrTheCalendar) {
     feed(logger, true, "Short", 2000, 500);
     EXPECT_EQ(totals(logger, "Short").calls, 2);
     EXPECT_DOUBLE_EQ(totals(logger, "Short").elapsed, 3.0);
-
     // Nested tasks of one identifier: an end closes the most recent.
     feed(logger, false, "Nest", 0, 0);
     feed(logger, false, "Nest", 0, 100);
@@ -178,7 +170,6 @@ TEST(DUNXTimingLogger, PairsStartsAndEndsByIdentifierOnTheClockOrTheCalendar) {
     EXPECT_EQ(logger.GetOpenTaskCount(), 0);
     EXPECT_DOUBLE_EQ(totals(logger, "Nest").elapsed, 1.2);
     EXPECT_FALSE(totals(logger, "Orphan").found);
-
     // What is never timed: ends without start, repairs, events without
     // identifier or stamp, untimed events.
     feed(logger, false, "Open", 0, 0);
@@ -215,23 +206,17 @@ TEST(DUNXTimingLogger, SummaryListsTasksInSlotOrderAndTheTableGrowsPastThreeQuar
         row("Read Entities", 1.5, 0, 0, 1), row("Read File", 0.25, 0, 0, 1),
         row("Options", 0.5, 0, 0, 1),       row("Translation", 0.75, 0, 0, 1),
         row("Conversion", 1.25, 0, 0, 1),   row("File Write", 1.0, 0, 0, 1)};
-    {
-        EventRecorder recorder;
-        logger.Finalize(); // no monitor: no memory block, no process line, no start line
-        auto expected = kLegend;
-        expected.insert(expected.end(), rows.begin(), rows.end());
-        expected.push_back(kTimingEnd);
-        EXPECT_EQ(lines(recorder), expected);
-        EXPECT_TRUE(!logger.IsEnabled() && logger.GetTaskCount() == 0);
-    }
-    {
-        EventRecorder recorder;
-        logger.Finalize(); // nothing pending: prints nothing
-        logger.Initialize();
-        logger.Finalize();
-        EXPECT_TRUE(recorder.entries().empty());
-    }
-
+    auto expected = kLegend; // no monitor: no memory block, no process line, no start line
+    expected.insert(expected.end(), rows.begin(), rows.end());
+    expected.push_back(kTimingEnd);
+    EventRecorder recorder;
+    logger.Finalize();
+    EXPECT_EQ(lines(recorder), expected);
+    EXPECT_TRUE(!logger.IsEnabled() && logger.GetTaskCount() == 0);
+    logger.Finalize(); // nothing pending: prints nothing more
+    logger.Initialize();
+    logger.Finalize();
+    EXPECT_EQ(recorder.entries().size(), expected.size());
     logger.Initialize();
     for (int i = 0; i < 40; ++i) {
         const std::string task = "Task " + std::to_string(i);

@@ -1,6 +1,7 @@
 // The STL-to-OBJ translator through its core library: STL files as exporters write them and
 // damaged ones, welding, assemblies with their placements, units and faults, the model read
 // with its events and failures, and the OBJ file written, read back by a parser of our own.
+#include "dunx/MeshFiles.h"
 #include "support/TempDir.h"
 
 #include "AssemblyReader.h"
@@ -25,66 +26,10 @@
 #include <sstream>
 
 using namespace dunx::translator;
+using namespace dunxtest;
 using dunx::test::TempDir;
 
 namespace {
-
-using Corner = std::array<float, 3>;
-using Triangle = std::array<Corner, 3>;
-
-// The 12 triangles of the box from `low` to `high`, facing out; its 8 corners are its
-// vertices, corner i taking x, y and z from `high` where bits 0, 1 and 2 of i are set.
-std::vector<Triangle> Box(Corner low, Corner high) {
-    const int faces[12][3] = {{0, 3, 1}, {0, 2, 3}, {4, 5, 7}, {4, 7, 6}, {0, 1, 5}, {0, 5, 4},
-                              {1, 3, 7}, {1, 7, 5}, {3, 2, 6}, {3, 6, 7}, {2, 0, 4}, {2, 4, 6}};
-    std::vector<Triangle> triangles;
-    for (const auto& f : faces) {
-        Triangle& t = triangles.emplace_back();
-        for (int c = 0; c < 3; ++c)
-            for (int axis = 0; axis < 3; ++axis)
-                t[c][axis] = (f[c] >> axis & 1 ? high : low)[axis];
-    }
-    return triangles;
-}
-
-// Appends the 4 bytes of `value` as STL files hold them, little-endian whatever the machine.
-template <typename T> void AppendLittleEndian(std::string& bytes, T value) {
-    std::uint32_t bits;
-    std::memcpy(&bits, &value, 4);
-    for (int i = 0; i < 4; ++i)
-        bytes += static_cast<char>((bits >> (8 * i)) & 0xFF);
-}
-
-// A binary STL: `header` padded to 80 bytes, the count (`count` < 0: the real
-// one), then per triangle a zero normal, the corners and no attribute.
-std::string BinaryStl(const std::vector<Triangle>& triangles,
-                      const std::string& header = "binary test part", long long count = -1) {
-    std::string bytes = header.substr(0, 80);
-    bytes.resize(80, ' ');
-    const long long real = static_cast<long long>(triangles.size());
-    AppendLittleEndian(bytes, static_cast<std::uint32_t>(count < 0 ? real : count));
-    for (const Triangle& t : triangles) {
-        bytes.append(12, '\0');
-        for (const Corner& c : t)
-            for (const float x : c)
-                AppendLittleEndian(bytes, x);
-        bytes.append(2, '\0');
-    }
-    return bytes;
-}
-
-// An ASCII STL solid as exporters write it.
-std::string AsciiSolid(const std::string& name, const std::vector<Triangle>& triangles) {
-    std::string text = "solid " + name + "\n";
-    for (const Triangle& t : triangles) {
-        text += "  facet normal 0 0 1\n    outer loop\n";
-        for (const Corner& c : t)
-            text += "      vertex " + std::to_string(c[0]) + " " + std::to_string(c[1]) + " " +
-                    std::to_string(c[2]) + "\n";
-        text += "    endloop\n  endfacet\n";
-    }
-    return text + "endsolid " + name + "\n";
-}
 
 // Passes when `text` is one line that begins with `prefix`.
 testing::AssertionResult OneLine(const std::string& text, const std::string& prefix) {
@@ -174,37 +119,6 @@ struct Read {
     long result;
 };
 
-// An OBJ file as a reader that knows only v, f and g sees it.
-struct ObjFile {
-    std::vector<std::array<double, 3>> vertices;
-    std::vector<std::string> groups;
-    std::vector<std::vector<std::array<long, 3>>> faces; // per group, 1-based vertex numbers
-};
-
-ObjFile ParseObj(const std::string& text) {
-    ObjFile obj;
-    std::istringstream lines(text);
-    std::string line;
-    for (int number = 1; std::getline(lines, line); ++number) {
-        std::istringstream words(line);
-        std::string tag, name;
-        words >> tag;
-        std::array<double, 3> v;
-        std::array<long, 3> f;
-        if (tag == "v" && words >> v[0] >> v[1] >> v[2]) {
-            obj.vertices.push_back(v);
-        } else if (tag == "f" && words >> f[0] >> f[1] >> f[2] && !obj.groups.empty()) {
-            obj.faces.back().push_back(f);
-        } else if (tag == "g" && words >> name) {
-            obj.groups.push_back(name);
-            obj.faces.emplace_back();
-        } else if (!tag.empty() && tag[0] != '#') {
-            ADD_FAILURE() << "OBJ line " << number << " is not v, f, g or a comment: " << line;
-        }
-    }
-    return obj;
-}
-
 long FilesIn(const TempDir& dir) { // hidden temporaries too
     return std::distance(std::filesystem::directory_iterator(dir.path()), {});
 }
@@ -214,14 +128,14 @@ long FilesIn(const TempDir& dir) { // hidden temporaries too
 TEST(StlReader, ReadsWhatExportersWriteWarnsOfWhatItDropsAndFailsOnTheRest) {
     const auto box = Box({0, 0, 0}, {1, 2, 3});
     const float inf = INFINITY, nan = NAN;
-    std::vector<Triangle> damaged = box;
+    Mesh damaged = box;
     damaged.push_back({{{0, 0, 0}, {nan, 0, 0}, {0, 1, 0}}});
     damaged.push_back({{{0, 0, 0}, {1, 0, 0}, {0, -inf, 0}}});
     damaged.push_back({{{9, 9, 9}, {9, 9, 9}, {7, 7, 7}}});     // two corners at one position
     damaged.push_back({{{0, 0, 0}, {-0.0f, 0, 0}, {1, 1, 1}}}); // 0 and -0 are one position
     damaged.push_back({{{0, 0, 0}, {1, 2, 3}, {2, 4, 6}}});     // three corners in a line
     const std::string drops = ":12, non-finite coordinates 2, degenerate triangles 3";
-    std::vector<Triangle> grid; // its inner corners shared by six triangles each
+    Mesh grid; // its inner corners shared by six triangles each
     for (float x = 0; x < 60; ++x)
         for (float y = 0; y < 60; ++y) {
             grid.push_back({{{x, y, 0}, {x + 1, y, 0}, {x + 1, y + 1, 0}}});
@@ -236,9 +150,10 @@ TEST(StlReader, ReadsWhatExportersWriteWarnsOfWhatItDropsAndFailsOnTheRest) {
         {"binary", BinaryStl(box), "binary part:12"},
         {"binary, header begins with solid", BinaryStl(box, "solid by a CAD"), "binary part:12"},
         {"binary, solid header, no triangle", BinaryStl({}, "solid"), "binary part:0"},
-        {"ASCII", AsciiSolid("box", box), "ASCII box:12"},
-        {"ASCII, two solids", AsciiSolid("a", box) + AsciiSolid("b", box), "ASCII a:12 b:12"},
-        {"ASCII, welded through many growths of the table", AsciiSolid("g", grid), "ASCII g:7200"},
+        {"ASCII", AsciiStl({{"box", box}}), "ASCII box:12"},
+        {"ASCII, two solids", AsciiStl({{"a", box}, {"b", box}}), "ASCII a:12 b:12"},
+        {"ASCII, welded through many growths of the table", AsciiStl({{"g", grid}}),
+         "ASCII g:7200"},
         {"ASCII, empty solid after blanks", "\n  solid e\nendsolid e\n", "ASCII e:0"},
         {"ASCII, no names, upper case, no last newline",
          "SOLID\nFACET NORMAL 0 0 0 OUTER LOOP VERTEX 0 0 0 VERTEX 1 0 0 VERTEX 0 1 0 ENDLOOP "
@@ -256,11 +171,11 @@ TEST(StlReader, ReadsWhatExportersWriteWarnsOfWhatItDropsAndFailsOnTheRest) {
         {"solid header, wrong count", BinaryStl(box, "solid x", 99),
          "binary part:12, triangle count 1"},
         {"bytes after the triangles", BinaryStl(box) + "junk", "binary part:12, trailing bytes 1"},
-        {"text after the last solid", AsciiSolid("a", box) + "trailer\n",
+        {"text after the last solid", AsciiStl({{"a", box}}) + "trailer\n",
          "ASCII a:12, text after the last solid 1"},
         // to_string prints NaN and infinity as "nan" and "-inf", which the ASCII reader reads.
         {"binary, damaged", BinaryStl(damaged), "binary part" + drops},
-        {"ASCII, damaged", AsciiSolid("d", damaged), "ASCII d" + drops},
+        {"ASCII, damaged", AsciiStl({{"d", damaged}}), "ASCII d" + drops},
         {"misspelt", facet + "vertx 0 0 0\n", "FILE: line 4: expected 'vertex' but found 'vertx'"},
         {"not a number", facet + "vertex 0 zero 0\n", "FILE: line 4: 'zero' is not a number"},
         {"two vertices", "solid a\nfacet\nouter loop\nvertex 0 0 0\nvertex 1 0 0\nendloop\n",
@@ -372,7 +287,7 @@ TEST(AssemblyReader, PlacementsComposeThroughSubAssembliesWithTheNearestUnit) {
 
 TEST(ModelReader, APartIsReadInsideItsStageWithProgressAndOneWarningPerKindOfDamage) {
     TempDir dir;
-    std::vector<Triangle> triangles;
+    Mesh triangles;
     for (int i = 0; i < 1000; ++i) // more than one block of records
         for (const Triangle& t : Box({2.0f * i, 0, 0}, {2.0f * i + 1, 1, 1}))
             triangles.push_back(t);
@@ -553,9 +468,9 @@ TEST(ObjWriter, FloatsAreWrittenInTheShortestFormThatReadsBack) {
 TEST(ObjWriter, WritesOneGroupPerPlacedPartThatReadsBackAsTheModelInTheOutputUnit) {
     TempDir dir;
     dir.write("p.stl", BinaryStl(Box({0, 0, 0}, {1, 1, 1})));
-    dir.write("two.stl", AsciiSolid("first part", Box({0, 0, 0}, {1, 1, 1})) +
-                             AsciiSolid("second", Box({2, 2, 2}, {3, 3, 3})) +
-                             "solid empty\nendsolid empty\n");
+    dir.write("two.stl", AsciiStl({{"first part", Box({0, 0, 0}, {1, 1, 1})},
+                                   {"second", Box({2, 2, 2}, {3, 3, 3})},
+                                   {"empty", {}}}));
     dir.write("top.cfg", "assembly = top\nunit = mm\n"
                          "[left wheel]\nfile = p.stl\nunit = in\ntranslation = 0, 0, 254\n"
                          "[right wheel]\nfile = p.stl\nunit = in\nrotation = 0, 0, 1, 90\n"
@@ -566,15 +481,18 @@ TEST(ObjWriter, WritesOneGroupPerPlacedPartThatReadsBackAsTheModelInTheOutputUni
     EXPECT_EQ(read.report.trianglesRead, 36);
     ASSERT_EQ(WriteObj({"model.cfg", dir.file("out.obj"), DUNIUnitInch}, read.model, read.report),
               DUNI_S_SUCCESS);
-    const std::string text = dir.read("out.obj");
-    const std::string header = "# Wavefront OBJ written by dunx from model.cfg\n"
-                               "# 6 components, 60 triangles, lengths in inch\n";
-    EXPECT_EQ(text.substr(0, header.size()), header);
-    const ObjFile obj = ParseObj(text);
+    EXPECT_EQ(dir.read("out.obj").rfind("# Wavefront OBJ written by dunx from model.cfg\n"
+                                        "# 6 components, 60 triangles, lengths in inch\n",
+                                        0),
+              0u);
+    const ObjFile obj = ReadObj(dir.file("out.obj"));
+    ASSERT_EQ(obj.error, "");
     // Group names hold no blank, no two are the same, and a part without triangles has none.
-    const std::vector<std::string> groups = {"left_wheel", "right_wheel", "pair/first_part",
-                                             "pair/second", "left_wheel_2"};
-    EXPECT_EQ(obj.groups, groups);
+    std::vector<std::string> groups;
+    for (const ObjGroup& group : obj.groups)
+        groups.push_back(group.name);
+    EXPECT_EQ(groups, (std::vector<std::string>{"left_wheel", "right_wheel", "pair/first_part",
+                                                "pair/second", "left_wheel_2"}));
     ASSERT_EQ(obj.vertices.size(), 8u * 5) << "each group has its own";
     // Each face of each group is its part's triangle, placed by its component.
     std::size_t g = 0;
@@ -582,14 +500,14 @@ TEST(ObjWriter, WritesOneGroupPerPlacedPartThatReadsBackAsTheModelInTheOutputUni
         const Part& part = read.model.parts.at(static_cast<std::size_t>(component.part));
         if (part.indices.empty() || g >= obj.groups.size())
             continue;
-        ASSERT_EQ(3 * obj.faces[g].size(), part.indices.size()) << component.name;
+        ASSERT_EQ(3 * obj.groups[g].faces.size(), part.indices.size()) << component.name;
         for (std::size_t i = 0; i < part.indices.size(); ++i) {
-            const long n = obj.faces[g][i / 3][i % 3];
-            EXPECT_TRUE(n > long(8 * g) && n <= long(8 * g + 8)) << "not its own vertex: " << n;
+            const long n = obj.groups[g].faces[i / 3][i % 3];
+            EXPECT_TRUE(n >= long(8 * g) && n < long(8 * g + 8)) << "not its own vertex: " << n;
             const float* p = &part.positions[3 * part.indices[i]];
             const double* m = component.rotation;
             for (int r = 0; r < 3; ++r)
-                EXPECT_FLOAT_EQ(float(obj.vertices.at(std::size_t(n - 1))[r]),
+                EXPECT_FLOAT_EQ(float(obj.vertices.at(std::size_t(n))[r]),
                                 float(m[3 * r] * p[0] + m[3 * r + 1] * p[1] + m[3 * r + 2] * p[2] +
                                       component.translation[r]))
                     << component.name;
