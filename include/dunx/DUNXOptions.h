@@ -89,12 +89,15 @@ private:
         DUNXHashMap<DUNXString, int, DUNXStringHash, DUNXStringEqual> children;
         int option = -1; // index into m_Options, -1 when none hangs here
     };
+    // The table holds only hashes and places; each name's record in
+    // m_ExactUnits is its length and option (two units each), then its units:
+    // the table stays small, and the name's length and option sit beside the
+    // units a lookup compares anyway.
     struct ExactEntry {
         unsigned hash;
-        int length;
-        int option;                  // index into m_Options, -1 for an empty entry
-        const unsigned short* units; // of the name, held by m_ExactNames
+        unsigned offset; // of the record in m_ExactUnits, kNoEntry for an empty entry
     };
+    static constexpr unsigned kNoEntry = ~0u;
     int findExact(const DUNXString& name) const;
     void indexExact(const DUNXString& joinedName, int option);
     int findNode(const std::vector<DUNXString>& tokens, std::size_t level, int node) const;
@@ -105,8 +108,9 @@ private:
     // Every stored name with its tokens joined by single dots, found by hash
     // in an open-addressed table of small entries: a present name costs one
     // hash and one comparison, and only other names walk the tree.
-    std::vector<ExactEntry> m_ExactTable; // a power of two long, at most half full
-    std::vector<DUNXString> m_ExactNames; // the joined names, whose units the entries point at
+    std::vector<ExactEntry> m_ExactTable;     // a power of two long, at most half full
+    std::vector<unsigned short> m_ExactUnits; // the names' records, one after another
+    std::size_t m_ExactCount = 0;             // names in the index
     std::vector<std::unique_ptr<DUNXOption>> m_Options;
     mutable std::size_t m_Cursor = 0;
 };

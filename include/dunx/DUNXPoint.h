@@ -127,6 +127,13 @@ public:
     virtual void Transform(const DUNXMorph3D& morph, bool noTranslation = false);
     /// Replaces the point by A·p (the point is a column vector).
     virtual void Transform(const DUNXAffine3D& affine);
+    /// Applies `morph` to each of the `count` points of the array `points`,
+    /// bit for bit as `Transform(morph, noTranslation)` does one point. The
+    /// bulk path for arrays of points: the morph's flags are read once and no
+    /// call is made per point. The elements of an array are `DUNXPoint3D`
+    /// objects themselves, so no override of `Transform` is involved.
+    static void TransformArray(DUNXPoint3D* points, int count, const DUNXMorph3D& morph,
+                               bool noTranslation = false);
 
     /// A copy.
     DUNXPoint3D Copy() const;

@@ -8,6 +8,7 @@
 #include "platform/Platform.h"
 
 #include <algorithm>
+#include <cstdint>
 #include <cstring>
 
 using dunx::internal::NarrowOrEmpty;
@@ -17,6 +18,9 @@ using dunx::internal::WordValue;
 namespace {
 
 constexpr std::size_t kMaxTokens = 256;
+
+// Units before a name's own in its index record: its length and its option.
+constexpr int kRecordHead = 2 * sizeof(int) / sizeof(unsigned short);
 
 // Splits at '.', dropping empty tokens. Stops one past `limit` tokens, which
 // is enough to know that a name is too long.
@@ -57,15 +61,54 @@ DUNXString joinTokens(const std::vector<DUNXString>& tokens) {
     return joined;
 }
 
-// hashCode with its bits mixed (the final step of MurmurHash3): names that
-// differ only in their last units would otherwise crowd neighbouring entries.
-unsigned mixedHash(const DUNXString& name) {
-    unsigned hash = name.hashCode();
-    hash ^= hash >> 16;
-    hash *= 0x85EBCA6Bu;
-    hash ^= hash >> 13;
-    hash *= 0xC2B2AE35u;
-    return hash ^ (hash >> 16);
+// Four units of a name as one 64-bit word, in whatever order the machine
+// keeps them: the same on both sides of every comparison.
+std::uint64_t fourUnits(const unsigned short* units) {
+    std::uint64_t word;
+    std::memcpy(&word, units, sizeof word);
+    return word;
+}
+
+// The last one to three units, zero-extended.
+std::uint64_t lastUnits(const unsigned short* units, int count) {
+    std::uint64_t word = 0;
+    for (int i = 0; i < count; ++i)
+        word |= static_cast<std::uint64_t>(units[i]) << (16 * i);
+    return word;
+}
+
+// The index's own hash, eight units per step in two independent chains (the
+// products of one step do not wait for each other), with MurmurHash3's final
+// mixing so that names differing only in their last units do not crowd
+// neighbouring entries. Never stored outside this index, so it may change freely.
+unsigned nameHash(const unsigned short* units, int length) {
+    constexpr std::uint64_t kFirst = 0x9E3779B97F4A7C15u, kSecond = 0xC2B2AE3D27D4EB4Fu;
+    std::uint64_t first = static_cast<std::uint64_t>(length), second = 0;
+    int i = 0;
+    for (; i + 8 <= length; i += 8) {
+        first = (first + fourUnits(units + i)) * kFirst;
+        second = (second + fourUnits(units + i + 4)) * kSecond;
+    }
+    if (i + 4 <= length) {
+        first = (first + fourUnits(units + i)) * kFirst;
+        i += 4;
+    }
+    second = (second + lastUnits(units + i, length - i)) * kSecond;
+    std::uint64_t hash = first ^ (second >> 32 | second << 32);
+    hash ^= hash >> 33;
+    hash *= 0xFF51AFD7ED558CCDu;
+    hash ^= hash >> 33;
+    return static_cast<unsigned>(hash);
+}
+
+// Inline rather than memcmp: index names are short, and a call to memcmp
+// cost more than the comparison itself.
+bool sameUnits(const unsigned short* a, const unsigned short* b, int length) {
+    int i = 0;
+    for (; i + 4 <= length; i += 4)
+        if (fourUnits(a + i) != fourUnits(b + i))
+            return false;
+    return lastUnits(a + i, length - i) == lastUnits(b + i, length - i);
 }
 
 bool isWildcard(const DUNXString& token) {
@@ -217,16 +260,21 @@ DUNIResult DUNXOptions::store(const DUNXOption& option, bool replaceExisting) {
 int DUNXOptions::findExact(const DUNXString& name) const {
     if (m_ExactTable.empty())
         return -1;
-    const unsigned hash = mixedHash(name);
+    const unsigned short* units = name;
+    const int length = name.length();
+    const unsigned hash = nameHash(units, length);
     const std::size_t mask = m_ExactTable.size() - 1;
     for (std::size_t i = hash & mask;; i = (i + 1) & mask) {
         const ExactEntry& entry = m_ExactTable[i];
-        if (entry.option < 0)
+        if (entry.offset == kNoEntry)
             return -1; // at most half full: an empty entry ends every chain
-        if (entry.hash == hash && entry.length == name.length() &&
-            std::memcmp(entry.units, static_cast<const unsigned short*>(name),
-                        static_cast<std::size_t>(entry.length) * sizeof(unsigned short)) == 0)
-            return entry.option;
+        if (entry.hash != hash)
+            continue;
+        const unsigned short* record = m_ExactUnits.data() + entry.offset;
+        int stored[2]; // length, option
+        std::memcpy(stored, record, sizeof stored);
+        if (stored[0] == length && sameUnits(record + kRecordHead, units, length))
+            return stored[1];
     }
 }
 
@@ -234,23 +282,30 @@ void DUNXOptions::indexExact(const DUNXString& joinedName, int option) {
     auto place = [](std::vector<ExactEntry>& table, const ExactEntry& entry) {
         const std::size_t mask = table.size() - 1;
         std::size_t i = entry.hash & mask;
-        while (table[i].option >= 0)
+        while (table[i].offset != kNoEntry)
             i = (i + 1) & mask;
         table[i] = entry;
     };
-    // The entries point at the units of these copies, which stay where they
-    // are when the vector moves the strings.
-    m_ExactNames.push_back(joinedName);
-    if (2 * m_ExactNames.size() > m_ExactTable.size()) {
+    // Every record in one block, the next right after: a lookup reads memory
+    // near the other names instead of a heap block of its own. Entries hold
+    // offsets, which stay valid when the block grows.
+    const unsigned short* units = joinedName;
+    const int length = joinedName.length();
+    const auto offset = static_cast<unsigned>(m_ExactUnits.size());
+    const int head[2] = {length, option};
+    m_ExactUnits.resize(m_ExactUnits.size() + kRecordHead);
+    std::memcpy(m_ExactUnits.data() + offset, head, sizeof head);
+    m_ExactUnits.insert(m_ExactUnits.end(), units, units + length);
+    ++m_ExactCount;
+    if (2 * m_ExactCount > m_ExactTable.size()) {
         std::vector<ExactEntry> grown(std::max<std::size_t>(16, 2 * m_ExactTable.size()),
-                                      ExactEntry{0, 0, -1, nullptr});
+                                      ExactEntry{0, kNoEntry});
         for (const ExactEntry& entry : m_ExactTable)
-            if (entry.option >= 0)
+            if (entry.offset != kNoEntry)
                 place(grown, entry);
         m_ExactTable.swap(grown);
     }
-    const DUNXString& stored = m_ExactNames.back();
-    place(m_ExactTable, ExactEntry{mixedHash(stored), stored.length(), option, stored});
+    place(m_ExactTable, ExactEntry{nameHash(units, length), offset});
 }
 
 int DUNXOptions::findNode(const std::vector<DUNXString>& tokens, std::size_t level,
@@ -330,7 +385,8 @@ void DUNXOptions::RemoveAll() {
     m_Options.clear();
     m_Nodes.assign(1, Node());
     m_ExactTable.clear();
-    m_ExactNames.clear();
+    m_ExactUnits.clear();
+    m_ExactCount = 0;
     m_Cursor = 0;
 }
 
