@@ -9,6 +9,7 @@
 #   make package                   Debian packages of the library and of dunx
 #   make bench-translate           dunx against assimp on one million STL triangles
 #   make fuzz                      every fuzz target for FUZZ_SECONDS (default 60)
+#   make test-windows              cross-build for Windows (MinGW-w64), run every test under Wine
 #
 # Variables:
 #   BUILD_DIR=build                 build folder
@@ -136,6 +137,17 @@ bench-translate:
 	cmake --build "$(BENCH_TRANSLATE_DIR)" --parallel $(JOBS) --target dunx
 	python3 bench/translation.py --dunx "$(BENCH_TRANSLATE_DIR)/tools/dunx/dunx" \
 		--work "$(BENCH_TRANSLATE_DIR)/work" $(BENCH_TRANSLATE_ARGS)
+
+# Windows: the whole suite cross-built with MinGW-w64 into $(WINDOWS_BUILD_DIR) and
+# run under Wine, then dunx.exe's translation of the bundled example compared with
+# the Linux dunx's of $(BUILD_DIR), byte for byte (tools/test-windows.sh).
+WINDOWS_BUILD_DIR ?= build-windows
+
+.PHONY: test-windows
+test-windows: configure
+	cmake --build "$(BUILD_DIR)" --parallel $(JOBS) --target dunx
+	bash tools/test-windows.sh --build-dir "$(WINDOWS_BUILD_DIR)" --jobs $(JOBS) \
+		--linux-dunx "$(DUNX)"
 
 # Fuzzing: every libFuzzer target of fuzz/ for FUZZ_SECONDS each (clang,
 # -DDUNX_FUZZ=ON); FUZZ_TARGETS="archive string" runs only those.

@@ -2,7 +2,7 @@
 # Checks that the tools and packages a DUNXBase build needs are on this machine.
 #
 #   tools/check-deps.sh [--cxx COMPILER] [--no-tests] [--sanitize LIST] [--pkg-config] [--make]
-#                       [--check-only] [--bench] [--valgrind] [--package]
+#                       [--check-only] [--bench] [--valgrind] [--package] [--windows]
 #
 #   --cxx COMPILER   the C++ compiler to check (default: $CXX, else c++ or g++)
 #   --no-tests       do not require GoogleTest (a build with -DBUILD_TESTING=OFF)
@@ -13,6 +13,8 @@
 #   --bench          also require what bench/ needs: Google Benchmark and the peers (assimp too)
 #   --valgrind       also require valgrind (the memory check of .ci/run)
 #   --package        also require dpkg-deb (make package)
+#   --windows        also require the Windows cross build and its test run (make test-windows):
+#                    MinGW-w64 g++ (posix threads), Wine and GoogleTest's sources
 #
 # When a Debian package is missing and this user is root, or may run sudo
 # without a password, it says so, installs the packages with apt-get and
@@ -26,6 +28,7 @@ need_pkg_config=0
 need_make=0
 need_valgrind=0
 need_package=0
+need_windows=0
 may_install=1
 need_bench=0
 
@@ -38,6 +41,7 @@ while [[ $# -gt 0 ]]; do
         --make) need_make=1; shift ;;
         --valgrind) need_valgrind=1; shift ;;
         --package) need_package=1; shift ;;
+        --windows) need_windows=1; shift ;;
         --check-only) may_install=0; shift ;;
         --bench) need_bench=1; shift ;;
         -h|--help) sed -n '2,/^set /{/^#/p}' "$0" | sed 's/^# \{0,1\}//'; exit 0 ;;
@@ -134,6 +138,26 @@ check() {
     if [[ $need_package -eq 1 ]] && ! command -v dpkg-deb >/dev/null 2>&1; then
         missing+=(dpkg)
         problems+=("dpkg-deb not found (make package builds Debian packages)")
+    fi
+
+    if [[ $need_windows -eq 1 ]]; then
+        if ! command -v x86_64-w64-mingw32-g++-posix >/dev/null 2>&1; then
+            missing+=(g++-mingw-w64-x86-64-posix)
+            problems+=("x86_64-w64-mingw32-g++-posix not found (the Windows cross compiler)")
+        fi
+        # wine64 runs 64-bit programs; the wine package gives it the wine command.
+        if [[ ! -x /usr/lib/wine/wine64 ]] && ! command -v wine64 >/dev/null 2>&1; then
+            missing+=(wine64)
+            problems+=("wine64 not found (runs the Windows tests)")
+        fi
+        if ! command -v wine >/dev/null 2>&1; then
+            missing+=(wine)
+            problems+=("wine not found (the command that starts Windows programs)")
+        fi
+        if [[ ! -f /usr/src/googletest/CMakeLists.txt ]]; then
+            missing+=(googletest)
+            problems+=("GoogleTest sources not found in /usr/src/googletest (built for Windows)")
+        fi
     fi
 
     if [[ $need_make -eq 1 ]] && ! command -v make >/dev/null 2>&1; then

@@ -7,20 +7,6 @@
 
 class DUNXMath3x3Matrixf;
 
-/// Element-wise sum; kind 0.
-DUNX_EXPORT DUNXMath3x3Matrixf operator+(const DUNXMath3x3Matrixf& a, const DUNXMath3x3Matrixf& b);
-/// Element-wise difference; kind 0.
-DUNX_EXPORT DUNXMath3x3Matrixf operator-(const DUNXMath3x3Matrixf& a, const DUNXMath3x3Matrixf& b);
-/// Matrix product a·b (b applied first). Isometries give an isometry, uniform
-/// scalings a uniform scaling; other mixes kind 0.
-DUNX_EXPORT DUNXMath3x3Matrixf operator*(const DUNXMath3x3Matrixf& a, const DUNXMath3x3Matrixf& b);
-/// Every element times `s`; a uniform scaling stays one (kind by sign).
-DUNX_EXPORT DUNXMath3x3Matrixf operator*(const DUNXMath3x3Matrixf& m, float s);
-/// Every element times `s`.
-DUNX_EXPORT DUNXMath3x3Matrixf operator*(float s, const DUNXMath3x3Matrixf& m);
-/// Every element divided by `s` (no zero check).
-DUNX_EXPORT DUNXMath3x3Matrixf operator/(const DUNXMath3x3Matrixf& m, float s);
-
 /// A 3 × 3 float matrix, row-major (element (r, c) at 3·r + c), with a cached
 /// kind that lets `Inverse` take a shortcut:
 ///   1 rotation (isometry, determinant +1), −1 isometry with reflection,
@@ -103,6 +89,23 @@ private:
     float m_Coef[9];
     int m_Kind;
 };
+
+// Declared after the class, whose friend declarations come first: a Windows DLL import
+// (dllimport) is lost when a friend declaration repeats a function without it.
+
+/// Element-wise sum; kind 0.
+DUNX_EXPORT DUNXMath3x3Matrixf operator+(const DUNXMath3x3Matrixf& a, const DUNXMath3x3Matrixf& b);
+/// Element-wise difference; kind 0.
+DUNX_EXPORT DUNXMath3x3Matrixf operator-(const DUNXMath3x3Matrixf& a, const DUNXMath3x3Matrixf& b);
+/// Matrix product a·b (b applied first). Isometries give an isometry, uniform
+/// scalings a uniform scaling; other mixes kind 0.
+DUNX_EXPORT DUNXMath3x3Matrixf operator*(const DUNXMath3x3Matrixf& a, const DUNXMath3x3Matrixf& b);
+/// Every element times `s`; a uniform scaling stays one (kind by sign).
+DUNX_EXPORT DUNXMath3x3Matrixf operator*(const DUNXMath3x3Matrixf& m, float s);
+/// Every element times `s`.
+DUNX_EXPORT DUNXMath3x3Matrixf operator*(float s, const DUNXMath3x3Matrixf& m);
+/// Every element divided by `s` (no zero check).
+DUNX_EXPORT DUNXMath3x3Matrixf operator/(const DUNXMath3x3Matrixf& m, float s);
 
 /// M·v.
 DUNX_EXPORT DUNXVectorf operator*(const DUNXMath3x3Matrixf& m, const DUNXVectorf& v);

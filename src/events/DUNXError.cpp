@@ -73,7 +73,9 @@ void DUNXError::Printf(const char* format, ...) {
     // The text is read once more as a format, with no arguments.
     MessageBuffer second;
     FormatWithoutArguments(second, first.text);
-    DUNXErrorEvent event("%s", second.text);
+    // Not a literal: where va_list is a char* (Windows), a literal fits that constructor too.
+    const char* const plain = "%s";
+    DUNXErrorEvent event(plain, second.text);
     DUNXEventBus::Fire(event);
 }
 

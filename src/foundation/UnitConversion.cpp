@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <cstring>
 #include <cwchar>
+#include <string>
 
 namespace dunx::internal {
 
@@ -19,9 +20,38 @@ bool isAscii(unsigned char byte) {
     return byte < 0x80;
 }
 
+// Where wchar_t has 16 bits, mbstowcs already yields UTF-16: the whole text is
+// converted at once and its pairs joined back into code points.
+template <class Emit> bool walkWideUnits(const char* text, Emit emit) {
+    std::mbstate_t state{};
+    const char* source = text;
+    const std::size_t count = std::mbsrtowcs(nullptr, &source, 0, &state);
+    if (count == static_cast<std::size_t>(-1))
+        return false;
+    std::wstring wide(count, L'\0');
+    source = text;
+    state = std::mbstate_t{};
+    std::mbsrtowcs(&wide[0], &source, count, &state);
+    for (std::size_t i = 0; i < count; ++i) {
+        unsigned long code = static_cast<unsigned long>(wide[i]) & 0xFFFF;
+        const unsigned long next = i + 1 < count ? static_cast<unsigned long>(wide[i + 1]) : 0;
+        if (code >= kHighSurrogate && code < kLowSurrogate && next >= kLowSurrogate &&
+            next < kSurrogateEnd) {
+            code = 0x10000 + ((code - kHighSurrogate) << 10) + (next - kLowSurrogate);
+            ++i;
+        } else if (code >= kHighSurrogate && code < kSurrogateEnd) {
+            return false;
+        }
+        emit(code);
+    }
+    return true;
+}
+
 // Walks `text` character by character; `emit(code)` receives each code point.
 // Returns false when the locale cannot convert the text.
 template <class Emit> bool walkCharacters(const char* text, Emit emit) {
+    if constexpr (sizeof(wchar_t) < 4)
+        return walkWideUnits(text, emit);
     std::mbstate_t state{};
     const char* p = text;
     std::size_t remaining = std::strlen(text);
@@ -77,14 +107,18 @@ bool LocaleReadsUtf8() {
     struct Probe {
         const char* bytes;
         std::size_t size;
-        wchar_t code;
+        unsigned long code;
     };
     static constexpr Probe kProbes[] = {
         {"\xC3\xA9", 2, 0xE9}, {"\xE2\x82\xAC", 3, 0x20AC}, {"\xF0\x9F\x94\xA9", 4, 0x1F529}};
     for (const Probe& probe : kProbes) {
+        // A 16-bit wchar_t cannot hold the four-byte character in one unit.
+        if (probe.code > static_cast<unsigned long>(WCHAR_MAX))
+            continue;
         std::mbstate_t state{};
         wchar_t wc = 0;
-        if (std::mbrtowc(&wc, probe.bytes, probe.size, &state) != probe.size || wc != probe.code)
+        if (std::mbrtowc(&wc, probe.bytes, probe.size, &state) != probe.size ||
+            static_cast<unsigned long>(wc) != probe.code)
             return false;
     }
     return true;
@@ -183,6 +217,13 @@ long EncodeUnits(const unsigned short* units, char* out, std::size_t limit) {
         std::size_t n = 1;
         if (code < 0x80) {
             bytes[0] = static_cast<char>(code);
+        } else if (code > static_cast<unsigned long>(WCHAR_MAX)) {
+            // A 16-bit wchar_t: the runtime converts the pair as wcstombs would.
+            const wchar_t pair[] = {static_cast<wchar_t>(u[-1]), static_cast<wchar_t>(u[0]), 0};
+            const wchar_t* source = pair;
+            n = std::wcsrtombs(bytes, &source, sizeof bytes, &state);
+            if (n == static_cast<std::size_t>(-1) || n == 0)
+                return -1;
         } else {
             n = std::wcrtomb(bytes, static_cast<wchar_t>(code), &state);
             if (n == static_cast<std::size_t>(-1))

@@ -1,6 +1,7 @@
 // Conversion between narrow text in the current C locale and 16-bit units.
-// wchar_t is 32 bits here, so characters are converted one at a time
-// (mbrtowc / wcrtomb) and split into or joined from surrogate pairs; the
+// Where wchar_t is 32 bits (Linux), characters are converted one at a time
+// (mbrtowc / wcrtomb) and split into or joined from surrogate pairs; where it
+// is 16 bits (Windows), the runtime's own UTF-16 is taken as it comes. The
 // results are those of mbstowcs / wcstombs applied to 16-bit text.
 #pragma once
 

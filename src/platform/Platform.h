@@ -10,8 +10,9 @@ namespace dunx::platform {
 
 // --- Clocks ------------------------------------------------------------------
 
-/// Milliseconds of elapsed wall time since the first call in this process;
-/// never goes backwards. Stamped on timed events as their clock.
+/// Milliseconds of elapsed wall time since the first call in this process
+/// (Windows: the runtime's clock(), counted from the process start); never
+/// goes backwards. Stamped on timed events as their clock.
 long ElapsedMilliseconds();
 
 /// A monotonic clock in nanoseconds, for measuring short intervals.
@@ -22,12 +23,13 @@ long long CurrentTime();
 
 // --- Files and descriptors -----------------------------------------------------
 
-/// Opens `path` with a C `fopen` mode after turning every '\' into '/', so
-/// paths kept in the library's backslash form find real files. Null on failure
-/// (a null or empty path included).
+/// Opens `path` with a C `fopen` mode. POSIX first turns every '\' into '/',
+/// so paths kept in the library's backslash form find real files; Windows
+/// takes the path as it is (`_wfopen`, the text widened in the C locale). Null
+/// on failure (a null or empty path included).
 std::FILE* OpenFile(const char* path, const char* mode);
 
-/// True when `path` ('\' taken as '/') can be opened for reading and is not a folder.
+/// True when `path` (on POSIX '\' taken as '/') can be opened for reading and is not a folder.
 bool CanReadFile(const char* path);
 
 /// Modification time of `path` in seconds since 1970 UTC; false when it cannot be examined.
@@ -40,8 +42,10 @@ bool RemoveFile(const char* path);
 /// fit in `capacity` - 1 bytes.
 std::string CurrentDirectory(std::size_t capacity);
 
-/// "<directory><prefix>XXXXXX" with six letters or digits, naming no existing
-/// file; "" when none was found after many tries. Creates nothing.
+/// A name for a new file: on POSIX "<directory><prefix>XXXXXX" with six letters
+/// or digits; on Windows what the runtime's `_tempnam` gives (the folder named
+/// by TMP when there is one, else `directory`, and a name of its own form from
+/// the prefix). It names no existing file; "" when none was found. Creates nothing.
 std::string UniqueFileName(const char* directory, const char* prefix);
 
 /// Writes `size` bytes to descriptor `fd`, retrying interrupted and partial
@@ -65,7 +69,8 @@ char** EnvironmentBlock();
 
 /// Sets variable `name` to `value`; the environment keeps its own copy, so the
 /// variable holds its value whatever the caller does later. False when refused
-/// (an empty name or one holding '=').
+/// (an empty name or one holding '='). Windows cannot hold an empty value: ""
+/// removes the variable there (`_putenv`).
 bool SetEnvironmentVariable(const char* name, const char* value);
 
 // --- Process ---------------------------------------------------------------------
@@ -81,9 +86,11 @@ bool ProcessMemory(unsigned long long& peakBytes, unsigned long long& currentByt
 // --- Modules ---------------------------------------------------------------------
 
 /// Loads the module `name` as given: no folder, prefix or suffix is added, so
-/// the system's own search rules apply. Returns an opaque handle, or null with
-/// the loader's reason (a missing dependency, a wrong file format, ...) in
-/// `reason`. A null or empty name is refused rather than taken as the program.
+/// the system's own search rules apply (Windows' `LoadLibraryA` adds ".dll" to
+/// a name without extension). Returns an opaque handle, or null with the
+/// loader's reason (a missing dependency, a wrong file format, ...; on Windows
+/// the system's message and "(error N)") in `reason`. A null or empty name is
+/// refused rather than taken as the program.
 void* LoadModule(const char* name, std::string& reason);
 
 /// The address that `module` exports under `symbol` (function or data), or null.

@@ -1,5 +1,7 @@
 #include "support/AllocationCounter.h"
 
+#include <dunx/DUNXString.h>
+
 #include <atomic>
 #include <cstdlib>
 #include <new>
@@ -40,6 +42,15 @@ long dunx::test::AllocationCounter::count() const {
 
 std::size_t dunx::test::AllocationCounter::largest() const {
     return g_Largest;
+}
+
+bool dunx::test::AllocationCounter::SeesLibraryAllocations() {
+    static const bool sees = [] {
+        AllocationCounter counter;
+        const DUNXString made("a text the library allocates"); // one block, in the library
+        return counter.count() > 0;
+    }();
+    return sees;
 }
 
 // Every plain form is replaced, one per line, so that no block is freed by a runtime (or by

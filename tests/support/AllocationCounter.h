@@ -14,6 +14,9 @@ public:
     AllocationCounter& operator=(const AllocationCounter&) = delete;
 
     long count() const; ///< allocations since this counter was made
+    /// True when the counters see the allocations made inside DUNXBase too. Windows gives every
+    /// DLL the operator new it was linked with, so a shared DUNXBase allocates unseen there.
+    static bool SeesLibraryAllocations();
     /// Bytes of the largest single allocation since the newest live counter was made.
     std::size_t largest() const;
 

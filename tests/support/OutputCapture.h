@@ -6,7 +6,7 @@
 #include <stdexcept>
 #include <string>
 
-#include <unistd.h>
+#include "support/TestSystem.h"
 
 namespace dunx::test {
 
@@ -33,8 +33,7 @@ public:
     std::string text() const {
         std::fflush(nullptr);
         std::string text(static_cast<size_t>(::lseek(m_File, 0, SEEK_END)), '\0');
-        text.resize(
-            static_cast<size_t>(std::max(::pread(m_File, text.data(), text.size(), 0), 0L)));
+        text.resize(static_cast<size_t>(std::max(ReadAt(m_File, text.data(), text.size(), 0), 0L)));
         return text;
     }
     /// Gives the descriptor back its previous target; later calls do nothing.

@@ -6,6 +6,8 @@
 #include <optional>
 #include <string>
 
+#include "support/TestSystem.h"
+
 namespace dunx::test {
 
 class ScopedEnvironmentVariable {
@@ -23,9 +25,7 @@ public:
     ScopedEnvironmentVariable& operator=(const ScopedEnvironmentVariable&) = delete;
 
 private:
-    void apply(const char* value) {
-        value ? ::setenv(m_Name.c_str(), value, 1) : ::unsetenv(m_Name.c_str());
-    }
+    void apply(const char* value) { SetVariable(m_Name.c_str(), value); }
 
     std::string m_Name;
     std::optional<std::string> m_Previous;

@@ -1,4 +1,5 @@
-// TempDir: a fresh directory under $TMPDIR (or /tmp) for one test's files, removed with them.
+// TempDir: a fresh directory in the system's folder of temporary files ($TMPDIR or /tmp; TEMP on
+// Windows) for one test's files, removed with them.
 #pragma once
 
 #include <cstdlib>
@@ -8,17 +9,19 @@
 #include <stdexcept>
 #include <string>
 
-#include <unistd.h>
+#include "support/TestSystem.h"
 
 namespace dunx::test {
 
 class TempDir {
 public:
     TempDir() {
-        const char* base = std::getenv("TMPDIR");
-        m_Path = std::string(base && *base ? base : "/tmp") + "/dunx-test-XXXXXX";
-        if (!::mkdtemp(m_Path.data()))
-            throw std::runtime_error("TempDir: cannot make " + m_Path);
+        std::string base = std::filesystem::temp_directory_path().string();
+        while (base.size() > 1 && (base.back() == '/' || base.back() == '\\'))
+            base.pop_back();
+        m_Path = MakeUniqueFolder(base, "dunx-test-");
+        if (m_Path.empty())
+            throw std::runtime_error("TempDir: cannot make a folder in " + base);
     }
     ~TempDir() {
         std::error_code ignored;

@@ -4,6 +4,7 @@
 #include "Progress.h"
 #include "Settings.h"
 #include "Summary.h"
+#include "System.h"
 #include "translator/DunxTranslator.h"
 
 #include <dunx/DUNXEventBus.h>
@@ -17,7 +18,6 @@
 #include <cerrno>
 #include <chrono>
 #include <cstring>
-#include <fcntl.h>
 #include <new>
 #include <stdexcept>
 #include <sys/stat.h>
@@ -27,7 +27,7 @@ namespace dunx::driver {
 namespace {
 
 std::string folderOf(const std::string& path) {
-    const std::size_t slash = path.rfind('/');
+    const std::size_t slash = path.find_last_of(system::kPathSeparators);
     if (slash == std::string::npos)
         return ".";
     return slash == 0 ? "/" : path.substr(0, slash);
@@ -41,36 +41,8 @@ bool makeFolders(const std::string& folder) {
     const std::string parent = folderOf(folder);
     if (parent != folder && parent != "." && !makeFolders(parent))
         return false;
-    return ::mkdir(folder.c_str(), 0777) == 0 || errno == EEXIST;
+    return system::MakeFolder(folder);
 }
-
-// What identifies a file's content on disk, to tell whether a failed write
-// touched it.
-struct FileState {
-    bool exists = false;
-    dev_t device = 0;
-    ino_t inode = 0;
-    off_t size = 0;
-    struct timespec modified = {};
-
-    static FileState Of(const std::string& path) {
-        FileState state;
-        struct stat info;
-        if (::stat(path.c_str(), &info) == 0) {
-            state.exists = true;
-            state.device = info.st_dev;
-            state.inode = info.st_ino;
-            state.size = info.st_size;
-            state.modified = info.st_mtim;
-        }
-        return state;
-    }
-    bool operator==(const FileState& other) const {
-        return exists == other.exists && device == other.device && inode == other.inode &&
-               size == other.size && modified.tv_sec == other.modified.tv_sec &&
-               modified.tv_nsec == other.modified.tv_nsec;
-    }
-};
 
 // Keeps the texts of the warnings and errors fired while a module loads: the
 // loader's reason is in one of them.
@@ -217,13 +189,11 @@ private:
         if (::access(m_Input.c_str(), R_OK) != 0)
             return fail(DUNI_E_FILE_OPEN, "input",
                         m_Input + ": cannot read the input: " + std::strerror(errno));
-        const struct stat input = info;
-
         if (::stat(m_Output.c_str(), &info) == 0) {
             if (S_ISDIR(info.st_mode))
                 return fail(DUNI_E_FILE_SAVE, "output",
                             m_Output + ": cannot write the output: it is a folder");
-            if (info.st_dev == input.st_dev && info.st_ino == input.st_ino)
+            if (system::StampOf(m_Output).SameFileAs(system::StampOf(m_Input)))
                 return fail(DUNI_E_FILE_SAVE, "output",
                             m_Output + ": cannot write the output: it is the input file");
         }
@@ -232,7 +202,7 @@ private:
             return fail(DUNI_E_FILE_SAVE, "output",
                         m_Output + ": cannot write the output: the folder " + outputFolder +
                             " does not exist");
-        if (::access(outputFolder.c_str(), W_OK | X_OK) != 0)
+        if (!system::CanWriteInFolder(outputFolder))
             return fail(DUNI_E_FILE_SAVE, "output",
                         m_Output + ": cannot write the output: the folder " + outputFolder +
                             " is not writable (" + std::strerror(errno) + ")");
@@ -246,7 +216,7 @@ private:
 
         const std::string logFolder = m_Line.logDir.empty() ? "." : m_Line.logDir;
         errno = ENOTDIR; // what a failed makeFolders means when a file holds the path
-        if (!makeFolders(logFolder) || ::access(logFolder.c_str(), W_OK | X_OK) != 0)
+        if (!makeFolders(logFolder) || !system::CanWriteInFolder(logFolder))
             return fail(DUNI_E_FILE_OPEN, "log folder",
                         logFolder + ": cannot write the log files there: " + std::strerror(errno));
         // Logs of an earlier run would pass for this run's.
@@ -268,16 +238,11 @@ private:
         // The library manager keeps names of at most 63 characters: a longer
         // path is loaded from the module's own folder under its short name.
         std::string name = path;
-        int previousFolder = -1;
+        system::FolderVisit moduleFolder;
         if (path.size() >= static_cast<std::size_t>(DUNXLibrary::kNameCapacity)) {
-            const std::size_t slash = path.rfind('/');
-            previousFolder = ::open(".", O_RDONLY | O_DIRECTORY | O_CLOEXEC);
-            if (previousFolder >= 0 && ::chdir(path.substr(0, slash).c_str()) == 0) {
+            const std::size_t slash = path.find_last_of(system::kPathSeparators);
+            if (moduleFolder.Enter(path.substr(0, slash)))
                 name = "./" + path.substr(slash + 1);
-            } else if (previousFolder >= 0) {
-                ::close(previousFolder);
-                previousFolder = -1;
-            }
         }
         DUNXLibrary* library = nullptr;
         void* read = nullptr;
@@ -298,11 +263,8 @@ private:
                         (read ? translator::kWriteFunction : translator::kReadFunction) +
                         " function";
         }
-        if (previousFolder >= 0) {
-            if (::fchdir(previousFolder) != 0)
-                error = std::string("cannot return to the current folder: ") + std::strerror(errno);
-            ::close(previousFolder);
-        }
+        if (!moduleFolder.Leave())
+            error = std::string("cannot return to the current folder: ") + std::strerror(errno);
         if (!error.empty())
             return fail(DUNI_E_INVALID_ARGUMENT, "translator", error);
         m_Read = reinterpret_cast<translator::ReadFunction>(read);
@@ -357,7 +319,7 @@ private:
             DUNXStartWriteFileTaskEvent::Fire(DUNXFilePath(DUNXString::FromUtf8(m_Output.c_str())));
             DUNXInfo::Printf("Writing %s with lengths in %s", m_Output.c_str(),
                              m_Outcome.unit.c_str());
-            const FileState before = FileState::Of(m_Output);
+            const system::FileStamp before = system::StampOf(m_Output);
             result = guarded("output", [&] {
                 DUNXCallbackShared::IsAborted();
                 return DUNIResult(m_Write(m_Request, m_Model, m_Outcome.report));
@@ -365,7 +327,7 @@ private:
             if (result.IsFailure()) {
                 fail(result, "output", m_Output + ": writing failed: " + result.GetMessage());
                 // A file this write made or changed is partial: it goes.
-                const FileState after = FileState::Of(m_Output);
+                const system::FileStamp after = system::StampOf(m_Output);
                 if (after.exists && !(after == before))
                     std::remove(m_Output.c_str());
             } else {

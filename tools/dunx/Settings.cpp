@@ -1,5 +1,7 @@
 #include "Settings.h"
 
+#include "System.h"
+
 #include <dunx/DUNXCfgFile.h>
 #include <dunx/DUNXEnvironment.h>
 #include <dunx/DUNXOption.h>
@@ -11,7 +13,6 @@
 #include <cstring>
 #include <dirent.h>
 #include <sys/stat.h>
-#include <unistd.h>
 
 namespace dunx::driver {
 namespace {
@@ -190,28 +191,24 @@ DUNIResult ResolveOutputUnit(const DUNXOptions& options, DUNIUnitValue& unit, st
 }
 
 std::string ProgramFolder() {
-    char buffer[4096];
-    const ssize_t length = ::readlink("/proc/self/exe", buffer, sizeof buffer - 1);
-    if (length <= 0)
-        return {};
-    std::string path(buffer, static_cast<std::size_t>(length));
-    const std::size_t slash = path.rfind('/');
+    const std::string path = system::ProgramPath();
+    const std::size_t slash = path.find_last_of(system::kPathSeparators);
     return slash == std::string::npos ? std::string() : path.substr(0, slash);
 }
 
 DUNIResult LocateTranslator(const std::string& request, std::string& path, std::string& error) {
     const std::string wanted = request.empty() ? kDefaultTranslator : request;
-    if (wanted.find('/') != std::string::npos) {
+    if (wanted.find_first_of(system::kPathSeparators) != std::string::npos) {
         if (isRegularFile(wanted)) {
-            char resolved[4096];
-            path = ::realpath(wanted.c_str(), resolved) ? resolved : wanted;
+            path = system::ResolvedPath(wanted);
             return DUNI_S_SUCCESS;
         }
         error = "unknown translator '" + wanted + "': no such module file";
         return DUNI_E_INVALID_ARGUMENT;
     }
     const std::string folder = ProgramFolder();
-    for (const std::string& candidate : {"lib" + wanted + ".so", wanted + ".so", wanted}) {
+    const std::string suffix = system::kModuleSuffix;
+    for (const std::string& candidate : {"lib" + wanted + suffix, wanted + suffix, wanted}) {
         if (isRegularFile(folder + "/" + candidate)) {
             path = folder + "/" + candidate;
             return DUNI_S_SUCCESS;
@@ -222,8 +219,11 @@ DUNIResult LocateTranslator(const std::string& request, std::string& path, std::
     if (DIR* dir = ::opendir(folder.c_str())) {
         while (const dirent* entry = ::readdir(dir)) {
             std::string file = entry->d_name;
-            if (file.size() > 3 && file.compare(file.size() - 3, 3, ".so") == 0) {
-                file.resize(file.size() - 3);
+            if (file.size() > suffix.size() &&
+                file.compare(file.size() - suffix.size(), suffix.size(), suffix) == 0) {
+                file.resize(file.size() - suffix.size());
+                if (file == "DUNXBase")
+                    continue;
                 if (file.compare(0, 3, "lib") == 0 && file != "libDUNXBase")
                     found.push_back(file.substr(3));
                 else if (file.compare(0, 3, "lib") != 0)
@@ -233,7 +233,7 @@ DUNIResult LocateTranslator(const std::string& request, std::string& path, std::
         ::closedir(dir);
     }
     std::sort(found.begin(), found.end());
-    error = "unknown translator '" + wanted + "': no lib" + wanted + ".so in " +
+    error = "unknown translator '" + wanted + "': no lib" + wanted + suffix + " in " +
             (folder.empty() ? std::string("the program's folder") : folder);
     if (!found.empty()) {
         error += " (available:";

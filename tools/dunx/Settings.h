@@ -47,8 +47,9 @@ DUNIResult ResolveOutputUnit(const DUNXOptions& options, DUNIUnitValue& unit, st
 /// The folder of the running program ("" when the system cannot tell).
 std::string ProgramFolder();
 
-/// Finds the translator module: a path (containing '/') as it is, or a name
-/// looked for beside the program as lib<name>.so, <name>.so or <name>.
+/// Finds the translator module: a path (containing '/', or '\\' on Windows) as
+/// it is, or a name looked for beside the program as lib<name>.so, <name>.so or
+/// <name> (.dll instead of .so on Windows).
 /// `DUNI_E_INVALID_ARGUMENT` with a one-line `error` naming what was tried
 /// and the modules that are there.
 DUNIResult LocateTranslator(const std::string& request, std::string& path, std::string& error);

@@ -1,5 +1,7 @@
 #include "Summary.h"
 
+#include "System.h"
+
 #include <cerrno>
 #include <cmath>
 #include <cstdio>
@@ -88,7 +90,7 @@ std::string kinds(const std::map<std::string, int>& byKind) {
 } // namespace
 
 std::string AbsolutePath(const std::string& path) {
-    if (path.empty() || path[0] == '/')
+    if (path.empty() || system::IsAbsolutePath(path))
         return path;
     char folder[4096];
     if (!::getcwd(folder, sizeof folder))

@@ -4,6 +4,8 @@
 #include "TranslationError.h"
 #include "Units.h"
 
+#include "System.h"
+
 #include <dunx/DUNXCfgFile.h>
 
 #include <algorithm>
@@ -35,19 +37,19 @@ std::string trimmed(const std::string& text) {
 }
 
 std::string folderOf(const std::string& path) {
-    const std::size_t slash = path.find_last_of('/');
+    const std::size_t slash = path.find_last_of(dunx::driver::system::kPathSeparators);
     return slash == std::string::npos ? std::string() : path.substr(0, slash + 1);
 }
 
 // The name `file` written in the assembly at `assembly`, as a path from here.
 std::string resolve(const std::string& assembly, const std::string& file) {
-    return file.empty() || file[0] == '/' ? file : folderOf(assembly) + file;
+    return file.empty() || dunx::driver::system::IsAbsolutePath(file) ? file
+                                                                      : folderOf(assembly) + file;
 }
 
 // One file's identity, so that a file named by two paths is still one file.
 std::string identity(const std::string& path) {
-    char resolved[PATH_MAX];
-    return ::realpath(path.c_str(), resolved) ? std::string(resolved) : path;
+    return dunx::driver::system::ResolvedPath(path);
 }
 
 struct ComponentText {

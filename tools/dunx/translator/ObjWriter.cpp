@@ -3,6 +3,8 @@
 #include "TranslationError.h"
 #include "Units.h"
 
+#include "System.h"
+
 #include <dunx/DUNXEventBus.h>
 #include <dunx/DUNXTaskEvent.h>
 
@@ -12,7 +14,6 @@
 #include <cmath>
 #include <cstdio>
 #include <cstring>
-#include <fcntl.h>
 #include <new>
 #include <unistd.h>
 
@@ -31,14 +32,14 @@ TranslationError unwritable(const std::string& path, const char* doing, int erro
 class PendingFile {
 public:
     explicit PendingFile(const std::string& path) : m_Path(path), m_Buffer(1 << 20) {
-        const std::size_t slash = path.find_last_of('/');
+        const std::size_t slash = path.find_last_of(dunx::driver::system::kPathSeparators);
         const std::string folder = slash == std::string::npos ? "" : path.substr(0, slash + 1);
         const std::string name = slash == std::string::npos ? path : path.substr(slash + 1);
         for (int attempt = 0; m_Descriptor < 0; ++attempt) {
-            m_Temporary = folder + "." + name + ".dunx-" + std::to_string(::getpid()) + "-" +
+            m_Temporary = folder + "." + name + ".dunx-" +
+                          std::to_string(dunx::driver::system::ProcessId()) + "-" +
                           std::to_string(attempt) + ".tmp";
-            m_Descriptor =
-                ::open(m_Temporary.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666);
+            m_Descriptor = dunx::driver::system::CreateNewFile(m_Temporary);
             if (m_Descriptor < 0 && (errno != EEXIST || attempt == 100))
                 throw unwritable(path, "create a file in its folder", errno);
         }
@@ -76,7 +77,7 @@ public:
         m_Descriptor = -1;
         if (::close(descriptor) != 0)
             throw unwritable(m_Path, "write", errno);
-        if (std::rename(m_Temporary.c_str(), m_Path.c_str()) != 0)
+        if (!dunx::driver::system::MoveIntoPlace(m_Temporary, m_Path))
             throw unwritable(m_Path, "put the written file in place", errno);
         m_Temporary.clear();
     }
