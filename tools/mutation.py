@@ -1,20 +1,36 @@
 #!/usr/bin/env python3
 """Mutation pass over the library: do the tests notice a one-token fault?
 
-    tools/mutation.py [--count N] [--sample S] [--files GLOB] [--build-dir DIR] [--committed] [--list]
+    tools/mutation.py [--count N] [--sample S] [--files GLOB] [--build-dir DIR] [--committed]
+                      [--refresh-tests [PATH ...]] [--ctest] [--list]
 
 Makes a private copy of the tree (a git worktree of HEAD with the uncommitted
-changes applied, or HEAD alone with --committed), builds it once, then for each sampled mutant changes one
-operator, constant or condition in one library source, rebuilds incrementally,
+changes and the new untracked files, or HEAD alone with --committed), builds it
+once, then for each sampled mutant changes one operator, constant or condition
+in one library source (src/, of the platform layer only the POSIX folder built
+here), rebuilds incrementally,
 runs the whole test suite and puts the line back. A mutant is killed when the
 build still works and a test fails (or the suite times out); it survives when
 every test passes. Mutants that do not compile are not counted. Survivors are
 listed with their place so that a test can be written for each one that
 changes what a caller can observe (some are equivalent: same behaviour).
+
+Speed: the test programs do not relink when only the shared library changed,
+and each unit-test program runs once, in the folder CTest would use, the one of
+the mutated subsystem first, stopping at the first failing test (--ctest runs
+the suite through CTest instead, one process per test case). The end-to-end
+tests of the driver are not part of the pass: the copy is built without tools.
+
+Before and after: with --build-dir the copy is kept; a second run with the same
+--sample and --refresh-tests takes the tests of the working tree (or only the
+paths named) into the copy and draws the same mutants of the same sources, so
+the two scores differ only by the tests. Name the paths when tests written since
+the copy was made need library changes that the copy does not have.
 """
 
 import argparse
 import fnmatch
+import glob
 import os
 import random
 import re
@@ -54,13 +70,40 @@ def run(command, cwd, timeout=None, quiet=True):
                           stderr=subprocess.DEVNULL if quiet else None).returncode
 
 
+def unit_test_programs(build):
+    return sorted(path for path in glob.glob(os.path.join(build, "tests", "dunx_*_tests"))
+                  if os.access(path, os.X_OK) and os.path.isfile(path))
+
+
+def suite_passes(build, tree, mutated, use_ctest, timeout):
+    """True when every test passes; a test program that hangs counts as a failure."""
+    if use_ctest:
+        try:
+            return run(["ctest", "--test-dir", build, "-j", "2", "--timeout", "30"], tree,
+                       timeout=timeout) == 0
+        except subprocess.TimeoutExpired:
+            return False
+    subsystem = mutated.split("/")[1] if mutated else ""
+    programs = sorted(unit_test_programs(build),
+                      key=lambda path: os.path.basename(path) != f"dunx_{subsystem}_tests")
+    for program in programs:
+        try:
+            if run([program, "--gtest_fail_fast", "--gtest_brief=1"], os.path.dirname(program),
+                   timeout=timeout) != 0:
+                return False
+        except subprocess.TimeoutExpired:
+            return False
+    return True
+
+
 def sites(root, pattern):
     """Every (file, line number, column, mutator) in the library sources."""
     found = []
     for folder, _, names in os.walk(os.path.join(root, "src")):
         for name in sorted(names):
             path = os.path.relpath(os.path.join(folder, name), root)
-            if not name.endswith(".cpp") or "/platform/" in path:
+            # Of the platform layer, only the folder built here (POSIX) is mutated.
+            if not name.endswith(".cpp") or ("/platform/" in path and "/posix/" not in path):
                 continue
             if not fnmatch.fnmatch(path, pattern):
                 continue
@@ -82,6 +125,11 @@ def main():
     parser.add_argument("--build-dir", default=None, help="keep the copy and its build here")
     parser.add_argument("--committed", action="store_true",
                         help="mutate HEAD as committed, without the uncommitted changes")
+    parser.add_argument("--refresh-tests", nargs="*", metavar="PATH",
+                        help="copy these files or folders of the working tree (default: tests/) "
+                             "into a kept copy first")
+    parser.add_argument("--ctest", action="store_true",
+                        help="run the suite through CTest, one process per test case (slower)")
     parser.add_argument("--list", action="store_true", help="only count the candidate sites")
     args = parser.parse_args()
 
@@ -99,6 +147,19 @@ def main():
             ["git", "diff", "--binary", "HEAD"], cwd=repo)
         if diff:
             subprocess.run(["git", "apply"], input=diff, cwd=tree, check=True)
+        if not args.committed:  # new files that are not yet in git belong to the tree too
+            for name in subprocess.check_output(["git", "ls-files", "--others", "--exclude-standard",
+                                                 "-z"], cwd=repo, text=True).split("\0"):
+                if name:
+                    os.makedirs(os.path.dirname(os.path.join(tree, name)), exist_ok=True)
+                    shutil.copy2(os.path.join(repo, name), os.path.join(tree, name))
+    elif args.refresh_tests is not None:
+        for path in args.refresh_tests or ["tests"]:
+            source, target = os.path.join(repo, path), os.path.join(tree, path)
+            if os.path.isdir(source):
+                shutil.copytree(source, target, dirs_exist_ok=True)
+            else:
+                shutil.copy2(source, target)
     # The places come from the copy: it is what gets mutated.
     candidates = sites(tree, args.files)
     print(f"{len(candidates)} candidate mutations in the library sources")
@@ -106,12 +167,16 @@ def main():
         return 0
     generator = ["-G", "Ninja"] if shutil.which("ninja") else []
     if run(["cmake", "-S", tree, "-B", build, *generator, "-DCMAKE_BUILD_TYPE=Debug",
-            "-DDUNX_BUILD_TOOLS=OFF"], cwd=tree) != 0 or run(["cmake", "--build", build], tree) != 0:
+            "-DDUNX_BUILD_TOOLS=OFF", "-DCMAKE_LINK_DEPENDS_NO_SHARED=ON"], cwd=tree) != 0 or \
+            run(["cmake", "--build", build, "-j", "2"], tree) != 0:
         print("the unmutated tree does not build")
         return 1
-    if run(["ctest", "--test-dir", build, "-j", "2", "--timeout", "60"], tree, timeout=900) != 0:
+    baseline = time.time()
+    if not suite_passes(build, tree, "", args.ctest, 900):
         print("the unmutated tree fails its tests")
         return 1
+    # A mutant that makes a program several times slower than this is taken as hanging.
+    timeout = max(60, 5 * (time.time() - baseline))
 
     chooser = random.Random(args.sample)
     sample = chooser.sample(candidates, min(args.count, len(candidates)))
@@ -128,20 +193,17 @@ def main():
         if not match:
             continue
         lines[line_number - 1] = line[:column] + replacement + line[match.end():]
+        mutant_started = time.time()
         with open(source, "w", encoding="utf-8") as handle:
             handle.write("\n".join(lines))
         try:
-            if run(["cmake", "--build", build], tree, timeout=600) != 0:
+            if run(["cmake", "--build", build, "-j", "2"], tree, timeout=600) != 0:
                 broken += 1
                 verdict = "does not build"
             else:
-                try:
-                    passed = run(["ctest", "--test-dir", build, "-j", "2", "--timeout", "30"],
-                                 tree, timeout=600) == 0
-                except subprocess.TimeoutExpired:
-                    passed = False
-                if passed:
-                    survived.append((path, line_number, description, line.strip()))
+                if suite_passes(build, tree, path, args.ctest, timeout):
+                    survived.append((path, line_number, description,
+                                     lines[line_number - 1].strip()))
                     verdict = "SURVIVED"
                 else:
                     killed += 1
@@ -149,15 +211,16 @@ def main():
         finally:
             with open(source, "w", encoding="utf-8") as handle:
                 handle.write(original)
-        print(f"[{number}/{len(sample)}] {path}:{line_number} {description}: {verdict}", flush=True)
+        print(f"[{number}/{len(sample)}] {path}:{line_number} {description}: {verdict} "
+              f"({time.time() - mutant_started:.0f} s)", flush=True)
 
-    run(["cmake", "--build", build], tree)
+    run(["cmake", "--build", build, "-j", "2"], tree)
     counted = killed + len(survived)
     score = 100.0 * killed / counted if counted else 0.0
     print(f"\n{killed} killed, {len(survived)} survived, {broken} did not build; "
           f"score {score:.1f}% of {counted} in {time.time() - started:.0f} s")
     for path, line_number, description, text in survived:
-        print(f"  survived: {path}:{line_number} ({description}): {text}")
+        print(f"  survived: {path}:{line_number} ({description}), mutated: {text}")
     if not args.build_dir:
         subprocess.run(["git", "worktree", "remove", "--force", tree], cwd=repo)
         shutil.rmtree(work, ignore_errors=True)

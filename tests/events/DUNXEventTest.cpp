@@ -47,9 +47,13 @@ TEST(DUNXEvent, OneStampFlagServesTimeAndClock) {
     EXPECT_EQ(clock, 1234);
 }
 
-TEST(DUNXEvent, CopiesOwnTheirNames) {
+TEST(DUNXEvent, NewEventsAndCopiesStartUncountedAndCopiesOwnTheirNames) {
     auto original = std::make_unique<DUNXEvent>("Original", DUNXLevelDebug);
+    EXPECT_EQ(original->GetReferenceCount(), 0u) << "a handle taking it would never delete it";
+    EXPECT_EQ(DUNXObject("Object").GetReferenceCount(), 0u);
+    original->RaiseReference();
     DUNXEvent copy(*original);
+    EXPECT_EQ(copy.GetReferenceCount(), 0u);
     original.reset(); // the copy must not share the freed buffers
     EXPECT_STREQ(copy.GetEventName(), "Original");
     EXPECT_STREQ(copy.GetTypeName(), "DUNXEvent");

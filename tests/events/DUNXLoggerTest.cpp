@@ -7,15 +7,13 @@
 #include "support/ScopedEnvironmentVariable.h"
 #include "support/ScopedWorkingDirectory.h"
 #include "support/TempDir.h"
+#include "support/TestSystem.h"
 
 #include <gtest/gtest.h>
 
 #include <filesystem>
 #include <string>
 #include <vector>
-
-#include <fcntl.h>
-#include <sys/stat.h>
 
 using namespace dunx::test;
 
@@ -69,6 +67,8 @@ TEST(DUNXLogger, ThresholdsComeFromTheLevelOrTheVariablesWhichOnlyTheConsoleObey
         {"error", "WARNING", DUNXLevelAll, 0, 999},   {"WARNING", "", DUNXLevelError, 80, 999}};
     for (const auto& c : cases) {
         SCOPED_TRACE(&c - cases);
+        if (kWindows && c.tracesLevel && !*c.tracesLevel)
+            continue; // Windows cannot hold a variable with an empty value: setting one removes it
         ScopedEnvironmentVariable log("DUNXLogLevel", c.logLevel);
         ScopedEnvironmentVariable traces("DUNXConsoleTracesLevel", c.tracesLevel);
         DUNXLogger logger;
@@ -78,7 +78,7 @@ TEST(DUNXLogger, ThresholdsComeFromTheLevelOrTheVariablesWhichOnlyTheConsoleObey
         DUNXConsoleLogger::SetUp(c.given); // again after the last row's Finalize
         fireLevels();
         DUNXConsoleLogger::GetInstance().Finalize(); // deletes its streams, but not 1 and 2
-        const bool open = fcntl(1, F_GETFD) != -1 && fcntl(2, F_GETFD) != -1;
+        const bool open = IsDescriptorOpen(1) && IsDescriptorOpen(2);
         fireLevels();  // silent now
         out.restore(); // before any assertion prints into the capture
         err.restore();
@@ -151,17 +151,20 @@ TEST(DUNXLogFileWrapper, LogFilesAreCompleteOnceAnAbortHasUnwoundTheirOwners) {
     for (const char* name : {"travex_read.log", "own.log", "text.log", "path.log"})
         EXPECT_EQ(dir.read(name), "<50><70><80>") << name;
     EXPECT_EQ(dir.read("travex_write.log"), "<80>");
-    ASSERT_NE(fcntl(callersFd, F_GETFD), -1); // the caller's file is still open and usable
+    ASSERT_TRUE(IsDescriptorOpen(callersFd)); // the caller's file is still open and usable
     EXPECT_GE(std::fputs("after", callers), 0);
     std::fclose(callers);
     EXPECT_EQ(dir.read("callers.log"), "<50><70><80>after");
 }
 
 TEST(DUNXLogFileWrapper, AFullDeviceOrAVanishedFolderLosesOnlyItsOwnText) {
+    // Linux only: Windows has no /dev/full and keeps a folder while a file in it is open.
+    if (kWindows)
+        GTEST_SKIP() << "needs /dev/full and the removal of a folder holding an open file";
     ScopedEnvironmentVariable level("DUNXLogLevel", nullptr);
     TempDir dir;
     const std::string folder = dir.file("gone");
-    ASSERT_EQ(::mkdir(folder.c_str(), 0700), 0);
+    ASSERT_TRUE(MakeFolder(folder));
     DUNXLogger other; // a second listener must still see every event
     auto* text = new DUNXStringOutputStream;
     other.Initialize(text, DUNXLevelAll);

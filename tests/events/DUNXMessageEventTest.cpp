@@ -7,7 +7,9 @@
 
 #include <gtest/gtest.h>
 
+#include <chrono>
 #include <string>
+#include <thread>
 #include <vector>
 
 using Lines = std::vector<std::string>;
@@ -34,8 +36,11 @@ TEST(DUNXMessageEvents, EventsCarryTheirNamesLevelsAndTextsAndErrorPrintfReadsIt
     send(DUNXMessageEvent("%s", false, "plain"));
     send(DUNXErrorEvent(DUNXError(42))); // no message: the error writes its own text
     send(DUNXErrorEvent(DUNXError(5, DUNXString("open"))));
-    send(DUNXErrorEvent("%s", "")); // an empty text leaves no message: the empty error writes ""
-    send(DUNXMessageEvent("%s%%d", std::string(5000, 'x').c_str()));
+    // An empty text leaves no message: the empty error writes "". The formats are const char*
+    // because a literal would also fit the va_list constructor where va_list is a char* (Windows).
+    const char *const plain = "%s", *const percent = "%s%%d";
+    send(DUNXErrorEvent(plain, ""));
+    send(DUNXMessageEvent(percent, std::string(5000, 'x').c_str()));
     DUNXError::Printf("%s", "50%% done %s %n %d"); // read again: "%%" is one, the rest stays
     DUNXError::Printf(nullptr);
     EXPECT_EQ(summary(recorder),
@@ -109,6 +114,13 @@ TEST(DUNXTrace, ChannelsFollowDUNXLoggersAndPrintersIndentByTheSharedTabDepth) {
                      "DUNXVerboseEvent 30 flat\n", "DUNXWarningEvent 50 Warning :     half\n",
                      "DUNXMessageEvent 50 100% as is\n\n", "DUNXAssertEvent 30 Assert : back\n",
                      "DUNXMessageEvent 50 " + std::string(1023, 'y') + "\n"}));
+}
+
+TEST(DUNXDebug, TimerCountsSecondsOnAClockThatNeverGoesBack) {
+    const DUNXDebugTimer timer = DUNXDebug::StartTimer();
+    std::this_thread::sleep_for(std::chrono::milliseconds(30));
+    const float seconds = DUNXDebug::StopTimer(timer);
+    EXPECT_TRUE(seconds >= 0.03f && seconds < 1.5f) << seconds;
 }
 
 TEST(DUNXString, DumpPrintsOneDebugLine) {

@@ -1,16 +1,14 @@
 #include <dunx/DUNXFile.h>
 
 #include "support/TempDir.h"
+#include "support/TestSystem.h"
 
 #include <gtest/gtest.h>
 
 #include <filesystem>
 
-#include <fcntl.h>
-#include <unistd.h>
-
 static bool isOpen(int descriptor) {
-    return ::fcntl(descriptor, F_GETFD) != -1;
+    return dunx::test::IsDescriptorOpen(descriptor);
 }
 
 TEST(DUNXFile, KnownByPathOpensNothing) {

@@ -11,7 +11,8 @@ constexpr long S = DUNI_S_SUCCESS, P = DUNI_S_PARTIAL_SUCCESS, NE = DUNI_S_NO_EN
 
 TEST(DUNIResult, ClassesFieldsReturnCodesAndComparisons) {
     // clang-format off
-    const std::pair<long, std::vector<long>> rows[] = {
+    // long long: the codes above 0x7FFFFFFF do not fit a 32-bit long (Windows).
+    const std::pair<long long, std::vector<long long>> rows[] = {
         {P, {1, 1, 0, 0, 0, 0, 0, 0, 0, 1}}, {NG, {1, 0, 1, 0, 0, 0, 0, 0, 0, 3}},
         {IA, {0, 0, 0, 1, 0, 1, 11, 1, 0, 11}}, {A, {0, 0, 0, 1, 0, 1, 3, 2, 0, 3}},
         {U, {0, 0, 0, 1, 1, 0, 6, 3, 0, 6}},
@@ -21,16 +22,17 @@ TEST(DUNIResult, ClassesFieldsReturnCodesAndComparisons) {
         {0x0100ABCDL, {0, 0, 0, 1, 0, 1, 0xABCD, 1, 0, 0xABCD}},
     };
     // clang-format on
-    for (const auto& [code, expected] : rows) {
+    for (const auto& [row, expected] : rows) {
+        const long code = static_cast<long>(row); // the 32 bits of a code
         SCOPED_TRACE(testing::Message() << std::hex << code);
         DUNIResult r(code);
         EXPECT_EQ(static_cast<long>(r), static_cast<int32_t>(code)); // sign-extended 32 bits
         EXPECT_TRUE(r == code && !(r != code) && !(r == (code ^ 0x10000000L)));
-        const std::vector<long> got = {r.IsSuccess(),         r.IsPartialSuccess(),
-                                       r.IsCompleteSuccess(), r.IsFailure(),
-                                       r.IsUndetermined(),    r.IsDeterminedFailure(),
-                                       r.GetReturnCode(),     r.GetCriticity(),
-                                       r.GetDomain(),         r.GetNumber()};
+        const std::vector<long long> got = {r.IsSuccess(),         r.IsPartialSuccess(),
+                                            r.IsCompleteSuccess(), r.IsFailure(),
+                                            r.IsUndetermined(),    r.IsDeterminedFailure(),
+                                            r.GetReturnCode(),     r.GetCriticity(),
+                                            r.GetDomain(),         r.GetNumber()};
         EXPECT_EQ(got, expected);
     }
 }

@@ -164,13 +164,21 @@ TEST(DUNXMorph, BulkApplyMatchesOnePointAtATimeWithoutAllocating) {
     std::vector<double> xyz(3 * 64);
     for (std::size_t i = 0; i < xyz.size(); ++i)
         xyz[i] = 5 * std::sin(1.7 * double(i)); // spread over [-5, 5]
-    for (const DUNXMorph3D& m : {DUNXMorph3D(quarterTurnZ(), P3(1, 0, 0), 2), DUNXMorph3D(),
-                                 DUNXMorph3D(P3(1, 2, 3)), DUNXMorph3D(P3(), 3)})
+    for (const DUNXMorph3D& m :
+         {DUNXMorph3D(quarterTurnZ(), P3(1, 0, 0), 2), DUNXMorph3D(), DUNXMorph3D(P3(1, 2, 3)),
+          DUNXMorph3D(P3(), 3), DUNXMorph3D(mirrorX(), P3(), 1)})
         for (bool noTranslation : {false, true}) {
             std::vector<double> bulk = xyz;
             EXPECT_EQ(allocationsOf([&] { m.Apply(bulk.data(), 64, noTranslation); }), 0);
-            for (size_t i = 0; i < 3 * 64; i += 3) // bit for bit the single-point result
+            std::vector<P3> points;
+            for (size_t i = 0; i < 3 * 64; i += 3)
+                points.emplace_back(&xyz[i]);
+            EXPECT_EQ(
+                allocationsOf([&] { P3::TransformArray(points.data(), 64, m, noTranslation); }), 0);
+            for (size_t i = 0; i < 3 * 64; i += 3) { // bit for bit the single-point result
                 ASSERT_EQ(Values(&bulk[i], &bulk[i] + 3),
                           values(moved(P3(&xyz[i]), m, noTranslation)));
+                ASSERT_EQ(values(points[i / 3]), values(moved(P3(&xyz[i]), m, noTranslation)));
+            }
         }
 }

@@ -3,6 +3,7 @@
 #include "support/EventRecorder.h"
 #include "support/ScopedEnvironmentVariable.h"
 #include "support/TempDir.h"
+#include "support/TestSystem.h"
 
 #include <gtest/gtest.h>
 
@@ -13,17 +14,41 @@
 #include <string>
 #include <vector>
 
+#ifdef _WIN32
+#ifndef NOMINMAX
+#define NOMINMAX
+#endif
+#include <windows.h>
+// The modules call back into the test program: a Windows program exports only what it marks.
+#define DUNX_FIXTURE_EXPORT __declspec(dllexport)
+#else
 #include <dlfcn.h>
+#define DUNX_FIXTURE_EXPORT
+#endif
 
 using namespace dunx::test;
 using Texts = std::vector<std::string>;
 
 namespace {
 
+const std::string kModuleSuffix = DUNX_MODULE_SUFFIX; // ".so" or ".dll"
+
 // The fixture modules' folder under a short name: a library name keeps 63 characters at most.
+// Windows, whose temporary folder is longer, gets copies under short names instead of a link.
 struct ShortFolder : TempDir {
-    ShortFolder() { std::filesystem::create_directory_symlink(DUNX_FIXTURE_DIR, file("f")); }
-    std::string module(const char* name) const { return file("f/libdunx_fixture_") + name + ".so"; }
+    ShortFolder() {
+        if (!kWindows)
+            std::filesystem::create_directory_symlink(DUNX_FIXTURE_DIR, file("f"));
+        else
+            for (const char* name : {"alpha", "beta", "dependent"})
+                std::filesystem::copy_file(DUNX_FIXTURE_DIR "/" DUNX_MODULE_PREFIX "dunx_fixture_" +
+                                               std::string(name) + kModuleSuffix,
+                                           module(name));
+    }
+    std::string module(const char* name) const {
+        return kWindows ? file(name) + kModuleSuffix
+                        : file("f/" DUNX_MODULE_PREFIX "dunx_fixture_") + name + kModuleSuffix;
+    }
 };
 const ShortFolder g_Folder;
 const std::string kAlpha = g_Folder.module("alpha"), kBeta = g_Folder.module("beta");
@@ -33,8 +58,31 @@ std::function<void(std::string)> g_OnCall; // run after each report, with a copy
 
 // Whether the system has `path` mapped, asked without loading it.
 bool isMapped(const std::string& path) {
+#ifdef _WIN32
+    return GetModuleHandleA(path.c_str()) != nullptr;
+#else
     void* module = dlopen(path.c_str(), RTLD_NOW | RTLD_NOLOAD);
     return module && dlclose(module) == 0;
+#endif
+}
+
+// Gives back one reference on `path` when it is mapped.
+void releaseOnce(const std::string& path) {
+#ifdef _WIN32
+    if (HMODULE kept = GetModuleHandleA(path.c_str()))
+        FreeLibrary(kept);
+#else
+    if (void* kept = dlopen(path.c_str(), RTLD_NOW | RTLD_NOLOAD))
+        dlclose(kept), dlclose(kept);
+#endif
+}
+
+// Makes `link` load the module `target`: a symbolic link, or a copy on Windows.
+void linkModule(const std::string& target, const std::string& link) {
+    if (kWindows)
+        std::filesystem::copy_file(target, link);
+    else
+        std::filesystem::create_symlink(target, link);
 }
 
 // The texts of the events called `eventName` that `recorder` holds, in order.
@@ -78,7 +126,7 @@ struct DUNXLibraryTest : testing::Test {
 
 } // namespace
 
-extern "C" void dunxFixtureCall(const char* module, const char* what) {
+extern "C" DUNX_FIXTURE_EXPORT void dunxFixtureCall(const char* module, const char* what) {
     g_Calls.push_back(std::string(module) + ":" + what);
     if (auto hook = g_OnCall) // a copy: the hook may replace itself
         hook(g_Calls.back());
@@ -158,9 +206,18 @@ TEST_F(DUNXLibraryTest, MissingExportsAreReportedAtEachLookupAndTheModuleStaysLo
 
 TEST_F(DUNXLibraryTest, AModuleThatDoesNotLoadIsReportedWithTheLoadersReasonAndTriedAgain) {
     TempDir dir;
-    dir.write("garbage.so", std::string(256, 'x'));
+    dir.write("garbage" + kModuleSuffix, std::string(256, 'x'));
+    struct Row {
+        std::string name;
+        const char* partOfTheLoadersReason;
+    };
+    // Windows names the fault by its code (126: module not found, 193: not a valid image), and
+    // cannot build a module with an unresolved reference.
     // clang-format off
-    const struct { std::string name; const char* partOfTheLoadersReason; } rows[] = {
+    const std::vector<Row> rows = kWindows ? std::vector<Row>{
+        {dir.file("absent.dll"), "error 126"},
+        {dir.file("garbage.dll"), "error 193"},
+        {g_Folder.module("dependent"), "error 126"}} : std::vector<Row>{
         {dir.file("absent.so"), "No such file or directory"},
         {dir.file("garbage.so"), "invalid ELF header"},
         {g_Folder.module("dependent"), "libdunx_fixture_dependency.so"},
@@ -181,9 +238,9 @@ TEST_F(DUNXLibraryTest, AModuleThatDoesNotLoadIsReportedWithTheLoadersReasonAndT
         EXPECT_EQ(warnings[1].rfind("Warning : " + row.name + " library load error: ", 0), 0u);
         EXPECT_NE(warnings[1].find(row.partOfTheLoadersReason), std::string::npos) << warnings[1];
     }
-    DUNXLibrary later(dir.file("later.so").c_str(), "FixtureInit", nullptr);
+    DUNXLibrary later(dir.file("later" + kModuleSuffix).c_str(), "FixtureInit", nullptr);
     lookup(&later, "FixtureInitCount", DUNI_E_FAIL);
-    std::filesystem::create_symlink(kAlpha, dir.file("later.so"));
+    linkModule(kAlpha, dir.file("later" + kModuleSuffix));
     EXPECT_EQ(*static_cast<int*>(lookup(&later)), 1);
 }
 
@@ -206,8 +263,7 @@ TEST_F(DUNXLibraryTest, AModuleKeptByTheVariableOrByItsLibraryIsFinalisedButStay
         EXPECT_EQ(g_Calls, (Texts{"alpha:init", "alpha:finalize"}));
         EXPECT_EQ(isMapped(kAlpha), row.mapped);
         EXPECT_EQ(recorder.texts().find(disabled) != std::string::npos, row.saysDisabled);
-        if (void* kept = dlopen(kAlpha.c_str(), RTLD_NOW | RTLD_NOLOAD)) // and the one left behind
-            dlclose(kept), dlclose(kept);
+        releaseOnce(kAlpha); // and the one left behind
     }
 }
 
@@ -215,7 +271,8 @@ TEST_F(DUNXLibraryTest, NamesOf64CharactersOrMoreAreCutTo63AndLoadedAllTheSame) 
     TempDir dir;
     ASSERT_LT(dir.path().size(), 60u);
     const std::string kept = dir.file(std::string(62 - dir.path().size(), 'm'));
-    std::filesystem::create_symlink(kAlpha, kept);
+    // Windows' loader adds its default extension to a name that has none.
+    linkModule(kAlpha, kWindows ? kept + ".dll" : kept);
     for (const std::string& name : {kept, kept + "x", kept + std::string(100, 'y')}) {
         SCOPED_TRACE(name);
         EventRecorder recorder;
@@ -244,6 +301,9 @@ TEST_F(DUNXLibraryTest, FinalizeAndUnloadLeavesALibraryToLoadAgainAndACopyHoldsI
     DUNXLibrary bare(kBeta.c_str(), "FixtureInit", nullptr); // no finalisation to undo the init
     for (int round = 0; round < 2; ++round, bare.FinalizeAndUnload())
         lookup(&bare);
+    DUNXLibrary uninitialised(kBeta.c_str(), "NoSuchInit", "FixtureFinalize");
+    lookup(&uninitialised); // loaded, never initialised: nothing to finalise
+    uninitialised.FinalizeAndUnload();
     EXPECT_EQ(g_Calls, (Texts{"alpha:init", "alpha:finalize", "alpha:init", "alpha:finalize",
                               "alpha:finalize", "beta:init", "beta:init"}));
 }

@@ -64,6 +64,12 @@ TEST(DUNXCfgFile, KeyLinesAreTrimmedAndCutIntoUntrimmedPiecesAtEveryComma) {
     const std::string cut = "\nIncorrect syntax: line 3:"; // messages are cut to 1,023 characters
     EXPECT_EQ(dump(cfg), "[]" + x + "|" + y + "|" + cut + std::string(1024 - cut.size(), 'v') +
                              fault(4, "w") + fault(5, "bad"));
+    // Blanks count in those 1,023 characters and are trimmed from each piece: a piece that
+    // ends in blanks, or a remainder of blanks alone, is no fault.
+    const std::string z(1014, 'z'), u(1019, 'u');
+    DUNXCfgFile indented;
+    EXPECT_EQ(load(indented, "  \tk2=" + z + "   \n k3=" + u + "  \n"), DUNI_S_SUCCESS);
+    EXPECT_EQ(dump(indented), "[]k2=" + z + "|k3=" + u + "|");
 }
 
 TEST(DUNXCfgFile, SyntaxFaultSkipsItsLineAndItsMessageOutlivesLaterLoads) {
@@ -151,6 +157,12 @@ TEST(DUNXCfgFile, ManySectionsKeepFileOrderAndARepeatedNameGathersItsKeys) {
     EXPECT_EQ(cfg.GetSection(nullptr), cfg.GetSection(""));
     EXPECT_EQ(cfg.GetSection(nullptr)->GetRowCount(), 2);
     EXPECT_EQ(cfg.GetSection("S100"), nullptr);
+    const DUNXCfgFileSection* top = cfg.GetSectionAt(0);
+    const DUNXCfgFileKey* key = top->GetKey(0);
+    EXPECT_TRUE(cfg.GetSectionAt(-1) == nullptr && cfg.GetSectionAt(101) == nullptr &&
+                top->GetKey(-1) == nullptr && top->GetKey(2) == nullptr &&
+                key->GetValue(-1) == nullptr && key->GetValue(1) == nullptr)
+        << "an index out of range finds nothing";
     EXPECT_EQ(cfg.GetSection("s5"), nullptr); // names are case-sensitive
     EXPECT_TRUE(cfg.ExistKey("last", "S5") && cfg.ExistKey("k5", "S35") &&
                 !cfg.ExistKey("k5", "S5"));

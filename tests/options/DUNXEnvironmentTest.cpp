@@ -2,11 +2,13 @@
 
 #include "support/EventRecorder.h"
 #include "support/ScopedEnvironmentVariable.h"
+#include "support/ScopedLocale.h"
 
 #include <gtest/gtest.h>
 
 #include <cstdlib>
 #include <string>
+#include <utility>
 
 using dunx::test::ScopedEnvironmentVariable;
 
@@ -41,6 +43,25 @@ TEST(DUNXEnvironment, LookupIgnoresCaseAndLeavesTheTextWhenAbsent) {
         EXPECT_EQ(long(DUNXEnvironment::GetVariable(c[0], value)),
                   c[1] ? DUNI_S_SUCCESS : DUNI_E_FAIL);
         EXPECT_EQ(text(value), c[1] ? c[1] : "untouched");
+    }
+}
+
+TEST(DUNXEnvironment, NamesBeyondAsciiCompareByTheirCharacters) {
+    dunx::test::ScopedLocale utf8("C.UTF-8");
+    if (!utf8.isSet())
+        GTEST_SKIP() << "no C.UTF-8 locale";
+    // Same length in bytes, so that only the bytes above 127 tell the names apart.
+    ScopedEnvironmentVariable accented("DUNXTest\xc3\x89t\xc3\xa9", "accents");
+    const std::pair<const char*, const char*> cases[] = {
+        {"dunxtest\xc3\xa9T\xc3\x89", "accents"}, // é and É: the same letter
+        {"DUNXTest\xc3\x89t\xc3\xa1", nullptr},   // á is another letter
+        {"DUNXTest\xc3\x89t\xc3\xa9x", nullptr}};
+    for (const auto& [name, expected] : cases) {
+        SCOPED_TRACE(name);
+        DUNXString value("untouched");
+        EXPECT_EQ(long(DUNXEnvironment::GetVariable(name, value)),
+                  expected ? DUNI_S_SUCCESS : DUNI_E_FAIL);
+        EXPECT_EQ(text(value), expected ? expected : "untouched");
     }
 }
 

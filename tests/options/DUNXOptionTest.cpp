@@ -83,6 +83,10 @@ TEST(DUNXValue, GettersAndTextConvertBetweenTypes) {
     }
     value.SetValue(false);
     EXPECT_TRUE(DUNXString(static_cast<const unsigned short*>(value)).equals("False"));
+    int asInt = 0;
+    EXPECT_EQ(value.SetValue(-7), DUNI_S_SUCCESS);
+    EXPECT_TRUE(value.IsInteger() && value.GetValue(asInt) == DUNI_S_SUCCESS && asInt == -7);
+    EXPECT_STREQ(static_cast<const char*>(value), "-7");
 }
 
 TEST(DUNXValue, EqualityNeedsTypeAndPayloadAndHashIsWangsMixOrTheTextHash) {
@@ -136,7 +140,11 @@ TEST(DUNXOption, SettersFollowTheTypeOfTheFirstValueForGood) {
         EXPECT_EQ(recorder.texts(), after.IsValid() ? "" : refusal);
         bool isPrivate = !whole;
         EXPECT_TRUE(option.IsPrivate(isPrivate) == 0 && isPrivate == whole);
+        V::DUNXValueType type = V::TypeUnknown;
+        EXPECT_TRUE(option.GetValueType(type) == 0 && V::GetTypeName(type) == typeName(base));
     }
+    V::DUNXValueType type = V::TypeInt;
+    EXPECT_EQ(long(DUNXOption().GetValueType(type)), DUNI_E_NO_VALUE);
 }
 
 TEST(DUNXOption, EnvironmentOverridesTheStoredValueWhenAskedAndAccepted) {

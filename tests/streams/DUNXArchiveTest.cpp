@@ -245,8 +245,8 @@ TEST(DUNXArchive, ReadsBytesAndNumberArraysInBlocks) {
     EXPECT_EQ(in.archive.Read(got.data(), static_cast<int>(got.size())), 100000);
     EXPECT_EQ(got, ints);
     EXPECT_EQ(in.archive.Read(s, 2) + in.archive.Read(us, 2) + in.archive.Read(u, 1), 5);
-    EXPECT_EQ(std::vector<long>({s[0], s[1], us[0], us[1], u[0]}),
-              std::vector<long>({-0x7FFF, -2, 1, 0xFFFF, 0x80000000}));
+    EXPECT_EQ(std::vector<long long>({s[0], s[1], us[0], us[1], u[0]}),
+              std::vector<long long>({-0x7FFF, -2, 1, 0xFFFF, 0x80000000}));
     EXPECT_EQ(in.stream.calls, 7) << "one call per block";
     EXPECT_EQ(in.archive.GetBytesRead(), in.data.size());
 }
@@ -279,7 +279,9 @@ TEST(DUNXArchive, ShortReadsThrowCode1LeaveTheDestinationAndCountWhatCame) {
         const int fault = faultOf([&] { in.archive.RestoreCString(text); });
         const std::size_t largest = counter.largest();
         EXPECT_EQ(fault, 1);
-        EXPECT_LE(largest, 1u << 17);
+        if (dunx::test::AllocationCounter::SeesLibraryAllocations()) {
+            EXPECT_LE(largest, 1u << 17);
+        }
         EXPECT_LE(in.stream.largest, 1 << 16);
         EXPECT_EQ(in.archive.GetBytesRead(), row.size());
     }

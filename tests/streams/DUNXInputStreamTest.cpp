@@ -1,13 +1,11 @@
 #include <dunx/DUNXInputStream.h>
 
 #include "support/TempDir.h"
+#include "support/TestSystem.h"
 
 #include <gtest/gtest.h>
 
 #include <string>
-
-#include <fcntl.h>
-#include <unistd.h>
 
 namespace {
 
@@ -46,16 +44,16 @@ TEST(DUNXFileInputStream, ReadsByPathOrBorrowedFileOrDescriptorAndReturnsFaults)
     EXPECT_EQ(readAll(DUNXFileInputStream(backslashed.c_str())), kBytes);
     EXPECT_EQ(DUNXFileInputStream(backslashed.c_str()).read(nullptr, 2), -1);
 
-    const int closedFd = ::fcntl(2, F_DUPFD, 900); // far above the numbers opens reuse
-    ::close(closedFd);
-    // fopen succeeds on a folder here; the fault comes with the first read.
+    const int closedFd = dunx::test::ClosedDescriptor();
+    // fopen succeeds on a folder on Linux (Windows refuses it); the fault comes with the first
+    // read.
     DUNXFileInputStream missing(dir.file("missing").c_str()), empty(""), folder(dir.path().c_str()),
         nullFile(static_cast<std::FILE*>(nullptr)), negative(-1), closed(closedFd);
     EXPECT_FALSE(missing.IsOpen() || empty.IsOpen() || nullFile.IsOpen() || negative.IsOpen());
     for (DUNXFileInputStream* in : {&missing, &empty, &folder, &nullFile, &negative, &closed})
         EXPECT_EQ(readAll(*in), "<fault>");
 
-    const int fd = ::open(dir.file("name.bin").c_str(), O_RDONLY);
+    const int fd = dunx::test::OpenDescriptor(dir.file("name.bin"), O_RDONLY);
     EXPECT_EQ(readAll(DUNXFileInputStream(fd)), kBytes);
     EXPECT_EQ(::close(fd), 0) << "the borrowed descriptor was closed";
 

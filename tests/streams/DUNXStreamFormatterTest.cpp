@@ -5,6 +5,7 @@
 
 #include <cstdio>
 #include <string>
+#include <utility>
 
 struct DUNXStreamFormatterTest : ::testing::Test {
     std::string printed() { // everything printed since the last call
@@ -22,8 +23,12 @@ TEST_F(DUNXStreamFormatterTest, PrintsEachTypeWithItsFormatAndRefusesUnfitFormat
             << 9ULL << ' ' << 2.5;
         return printed();
     };
-    // "%ul" is "%u" and the letter l; the number must still be the whole 64-bit value.
-    const std::string defaults = "-7 4000000000 5000000000 18446744073709551615l 9 9l 2.500000";
+    // "%ul" is "%u" and the letter l; the number must still be the whole unsigned long (64 bits on
+    // Linux, 32 on Windows).
+    const bool wideLong = sizeof(long) == 8;
+    const std::string defaults = std::string("-7 4000000000 5000000000 ") +
+                                 (wideLong ? "18446744073709551615" : "4294967295") +
+                                 "l 9 9l 2.500000";
     EXPECT_EQ(printEveryType(), defaults);
     ASSERT_TRUE(out.setIntFormat("[%x]%%") && out.setUnsignedFormat("%x") &&
                 out.setLongFormat("%+ld") && out.setUnsignedLongFormat("%llX") &&
@@ -33,7 +38,16 @@ TEST_F(DUNXStreamFormatterTest, PrintsEachTypeWithItsFormatAndRefusesUnfitFormat
     EXPECT_FALSE(out.setIntFormat("%f") || out.setUnsignedFormat("%e") ||
                  out.setLongFormat(nullptr) || out.setUnsignedLongFormat("%g") ||
                  out.setDoubleFormat("%d"));
-    EXPECT_EQ(printEveryType(), "[fffffff9]% ee6b2800 +5000000000 FFFFFFFFFFFFFFFF +9 9 2.5");
+    EXPECT_EQ(printEveryType(), std::string("[fffffff9]% ee6b2800 +5000000000 ") +
+                                    (wideLong ? "FFFFFFFFFFFFFFFF" : "FFFFFFFF") + " +9 9 2.5");
+    char longText[400]; // longer than the formatter's first buffer
+    std::snprintf(longText, sizeof longText, "%.1f", -1e300);
+    out << -1e300;
+    EXPECT_EQ(printed(), longText);
+    // A value wider than its conversion is printed whole, with its sign.
+    ASSERT_TRUE(out.setLongFormat("%d") && out.setUnsignedLongFormat("%x"));
+    out << -5000000000L << ' ' << 0x100000000UL;
+    EXPECT_EQ(printed(), "-5000000000 100000000");
     out.resetFormat();
     EXPECT_EQ(printEveryType(), defaults);
 }
@@ -72,6 +86,15 @@ TEST_F(DUNXStreamFormatterTest, PrintsMarginsLineEndsTextsPointersAndFormattedTe
     out.setLineEnd(nullptr);
     out << '|' << DUNXLineEnd();
     EXPECT_EQ(printed(), "        |\n    |<br>|") << "four blanks a level, never below 0";
+    for (const auto& [level, kept] : {std::pair(-1, 0), std::pair(0, 0), std::pair(1, 1)}) {
+        out.setMargin(level);
+        out << DUNXMargin();
+        EXPECT_EQ(printed(), std::string(4 * kept, ' ')) << level;
+        EXPECT_EQ(out.getMargin(), kept);
+    }
+    out.decrementMargin();
+    out.decrementMargin();
+    EXPECT_EQ(out.getMargin(), 0);
 
     char pointer[32];
     std::snprintf(pointer, sizeof pointer, "%p", static_cast<void*>(&pointer));
