@@ -8,6 +8,8 @@
 #include <gtest/gtest.h>
 
 #include <chrono>
+#include <cstdio>
+#include <cstdlib>
 #include <string>
 #include <thread>
 #include <vector>
@@ -121,6 +123,15 @@ TEST(DUNXDebug, TimerCountsSecondsOnAClockThatNeverGoesBack) {
     std::this_thread::sleep_for(std::chrono::milliseconds(30));
     const float seconds = DUNXDebug::StopTimer(timer);
     EXPECT_TRUE(seconds >= 0.03f && seconds < 1.5f) << seconds;
+}
+
+TEST(DUNXTrace, ANullTextArgumentPrintsAsTheCLibraryPrintsIt) {
+    dunx::test::EventRecorder recorder;
+    const char* const none = std::getenv("DUNXTestNeverSet"); // null, unknown to the compiler
+    DUNXInfo::Printf("[%s]", none);
+    char expected[32];
+    std::snprintf(expected, sizeof expected, "[%s]", none);
+    EXPECT_EQ(recorder.texts(), std::string(expected) + "\n");
 }
 
 TEST(DUNXString, DumpPrintsOneDebugLine) {
