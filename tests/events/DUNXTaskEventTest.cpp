@@ -71,6 +71,8 @@ TEST(DUNXTaskEvent, EveryStageFiresItsNameIdentifierLevelAndText) {
          "Product              : Part\nApplication          : dunx\n"},
         {[] { DUNXStartProductEvent::Fire(nullptr, ""); }, "Start Product", "Product", 50, false,
          ""},
+        {[] { DUNXStartProductEvent::Fire("P", ""); }, "Start Product", "Product", 50, false,
+         "Product              : P\n"},
         {[] { DUNXEndProductEvent::Fire(DUNI_S_SUCCESS); }, "Product End", "Product", 50, true,
          "Product Completed Successfully\n"},
         {[] { DUNXEndProductEvent::Fire(DUNI_A_ABORTED); }, "Product End", "Product", 50, true,

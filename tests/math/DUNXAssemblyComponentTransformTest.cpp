@@ -93,7 +93,8 @@ TEST(DUNXAssemblyComponentTransform, FlagsAreComputedLazilyAndTheScaleIsLeftOut)
                 CASE(flags({1, 0, 0, 0, -1, 0, 0, 0, 1}, {0, 0, 0}), -1, false, true, true),
                 CASE(flags({1, 2, 3, 2, 4, 6, 0, 0, 1}, {0, 0, 0}), 0, false, false, false),
                 CASE(flags({0, -1, 0, 1, 0, 0, 0, 0, 1}, {0, 0, 0}), 1, false, false, true),
-                CASE(flags({2, 0, 0, 0, 2, 0, 0, 0, 2}, {1, 1, 1}), 8, false, false, true));
+                CASE(flags({2, 0, 0, 0, 2, 0, 0, 0, 2}, {1, 1, 1}), 8, false, false, true),
+                CASE(flags({1, 2, 3, 4, 5, 6, 7, 8, 10}, {0, 0, 0}), -3, false, true, true));
     // SetScale keeps the cached answers (the scale is not part of them); the other setters forget.
     Transform w;
     double scale = 0;
@@ -121,12 +122,16 @@ TEST(DUNXAssemblyComponentTransform, ApplyWorksInDoubleAndSkipsTheIdentity) {
     const double big[9] = {1, 1, 0, 0, 1, 0, 0, 0, 1}, shift[3] = {-1e8, 0, 0};
     Transform nearly = make(kIdentity, tiny);
     nearly.SetScale(10);
-    float p[3] = {1, 2, 3}, v[3] = {1, 2, 3}, q[3] = {1, 2, 3}, r[3] = {1e8f, 1, 0};
+    const double symmetric[9] = {2, 1, 1, 1, 3, 1, 1, 1, 4}; // the same in either layout
+    float p[3] = {1, 2, 3}, v[3] = {1, 2, 3}, q[3] = {1, 2, 3}, r[3] = {1e8f, 1, 0},
+          s[3] = {1, 2, 3};
     make(kQuarterTurnZ, t0).ApplyTransform(p);
+    make(symmetric, t0).ApplyTransform(s);
     make(kQuarterTurnZ, t0).ApplyRotation(v);
     nearly.ApplyTransform(q); // within 1e-6 of the identity nothing is applied, nor the scale
     make(big, shift).ApplyTransform(r); // 1e8 + 1 − 1e8 would be lost in float arithmetic
-    expectCases(CASE(p, 8, 21, 33), CASE(v, -2, 1, 3), CASE(q, 1, 2, 3), CASE(r[0], 1));
+    expectCases(CASE(p, 8, 21, 33), CASE(v, -2, 1, 3), CASE(q, 1, 2, 3), CASE(r[0], 1),
+                CASE(s, 17, 30, 45));
 }
 
 TEST(DUNXAssemblyComponentTransform, CompositionAppliesTheRightOperandFirst) {

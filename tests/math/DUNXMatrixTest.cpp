@@ -46,6 +46,8 @@ TEST(DUNXMath3x3Matrixf, DiagonalConstructorSetsTheKind) {
                 CASE(kind(M3(-1.0f)), -1, true, true), CASE(kind(M3(2.5f)), 2, true, false),
                 CASE(kind(M3(0.5f)), 2, true, false), CASE(kind(M3(-3.0f)), -2, true, false),
                 CASE(kind(M3(0.0f)), 0, false, false),
+                CASE(kind(M3(2.5f) * 0.5f), 2, true, false), // still a positive scaling
+                CASE(kind(M3(-3.0f) * 0.5f), -2, true, false),
                 CASE(elements(M3()), 1, 0, 0, 0, 1, 0, 0, 0, 1),
                 CASE(elements(M3(-3.0f)), -3, 0, 0, 0, -3, 0, 0, 0, -3));
 }
@@ -200,7 +202,10 @@ TEST(DUNX4x4Matrix, ConstructorsAndComponents) {
                          byRows.GetElement(1, 3)),
                     2, 7, 1, 1),
                CASE(m.GetTranslation(), 4, 5, 6), CASE(m.GetElement(1, 0), 1), CASE(p, 4, 6, 6),
-               CASE(onAxis, 1, 1, 5), CASE(off, 1, 2, 0), CASE(q, 0, 0, 1));
+               CASE(onAxis, 1, 1, 5), CASE(off, 1, 2, 0), CASE(q, 0, 0, 1),
+               CASE(join(about.GetElement(3, 0), about.GetElement(3, 1), about.GetElement(3, 2),
+                         about.GetElement(3, 3)),
+                    0, 0, 0, 1)); // a rigid motion keeps the homogeneous row
 }
 
 TEST(DUNX4x4Matrix, ComposesInOrderAndInverts) {

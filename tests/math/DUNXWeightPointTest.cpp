@@ -66,7 +66,10 @@ TEST(DUNXWeightPoint, ArithmeticCarriesTheWeight) {
         1e-15,
         CASE(stored(c.Normalize()), 0.2, 0.4, 0.4, 0.8), // divided by the length with the weight
         CASE(stored(f.Normalize()), -2 / s69, 8 / s69, 1 / s69),
-        CASE(stored(W3().Normalize()), 0, 0, 0, 0), CASE(stored(W2().Normalize()), 0, 0, 0));
+        CASE(stored(W3().Normalize()), 0, 0, 0, 0), CASE(stored(W2().Normalize()), 0, 0, 0),
+        // A length of 0.1 is not zero: only exactly 0 is left undivided.
+        CASE(stored(W3(P3(0, 0, 0), 0.1, false).Normalize()), 0, 0, 0, 1),
+        CASE(stored(W2(P2(0, 0), 0.1, false).Normalize()), 0, 0, 1));
 }
 
 TEST(DUNXWeightPoint, WeightAccessorsShiftAndCopyIn) {
@@ -134,8 +137,13 @@ TEST(DUNXWeightPoint, TransformMovesTheCartesianPointAndKeepsTheWeight) {
     w2.Transform(DUNXMorph2D(P2(1, 1)), true);
     const Values unmoved = stored(w2);
     w2.Transform(quarterTurn);
+    DUNXAffine2D shear; // (x, y) to (x + y, y)
+    shear.SetElement(0, 0, 1), shear.SetElement(0, 1, 1), shear.SetElement(1, 1, 1);
+    W2 sheared(P2(1, 2), 3, false);
+    sheared.Transform(shear);
     expectCases(CASE(stored(w), -6, 4, 12, 2), CASE(stored(vector), 6, 0, 0, 2),
-                CASE(moved, -4 + 20, 2, 2), CASE(unmoved, 16, 2, 2), CASE(stored(w2), -2, 16, 2));
+                CASE(moved, -4 + 20, 2, 2), CASE(unmoved, 16, 2, 2), CASE(stored(w2), -2, 16, 2),
+                CASE(stored(sheared), 3, 2, 3));
 }
 
 TEST(DUNXWeightPoint, DumpPrintsCartesianIn3DAndStoredIn2D) {
