@@ -125,8 +125,10 @@ TEST(DUNXDebug, TimerCountsSecondsOnAClockThatNeverGoesBack) {
     EXPECT_TRUE(seconds >= 0.03f && seconds < 1.5f) << seconds;
 }
 
-TEST(DUNXTrace, ANullTextArgumentPrintsAsTheCLibraryPrintsIt) {
+TEST(DUNXTrace, ShortFormatsAndANullTextArgumentPrintAsTheCLibraryPrintsThem) {
     dunx::test::EventRecorder recorder;
+    // Two characters, but not the "%s" whose text is copied as it is.
+    EXPECT_STREQ(DUNXWarningEvent("%d", 42).GetMessage(), "42");
     const char* const none = std::getenv("DUNXTestNeverSet"); // null, unknown to the compiler
     DUNXInfo::Printf("[%s]", none);
     char expected[32];

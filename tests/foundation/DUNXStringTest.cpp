@@ -243,6 +243,7 @@ TEST(DUNXString, Utf8InAndOutWhateverTheLocaleWithOneReplacementPerMaximalSubpar
          -1, "a\\uFFFDb"},
         {"\xE2\x82", -1, "\\uFFFD"},
         {"\xE2\x82\xAC", -1, "\\u20AC"},
+        {"\xEF\x80\x80", -1, "\\uF000"}, // the last lead byte of the three-byte form
         {"\xF0\x9F\x98\x80", -1, "\\uD83D\\uDE00"},
         {"\xF0\x80\x80", -1, "\\uFFFD\\uFFFD\\uFFFD"}, // overlong
         {"\xED\xA0\x80", -1, "\\uFFFD\\uFFFD\\uFFFD"}, // an encoded surrogate

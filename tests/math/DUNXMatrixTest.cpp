@@ -189,9 +189,11 @@ TEST(DUNX4x4Matrix, ConstructorsAndComponents) {
     m.SetComponents(V(0, 1, 0), V(-1, 0, 0), V(0, 0, 1), P(1, 2, 3));
     m.SetTranslation(V(4, 5, 6));
     m.multiply(p);
-    const M4 about(V(0, 0, 1), P(1, 1, 0), kHalfPi); // keeps the points of its line
+    // Keeps the points of its line, given by a point off the plane z = 0 so that every
+    // coordinate of that point counts.
+    const M4 about(V(0, 0, 1), P(1, 1, 2), kHalfPi);
     M4 reset(V(1, 0, 0), 1.0f);
-    reset.SetRotation(V(0, 0, 1), P(1, 1, 0), kHalfPi); // replaces the whole matrix
+    reset.SetRotation(V(0, 0, 1), P(1, 1, 2), kHalfPi); // replaces the whole matrix
     EXPECT_TRUE(reset == about);
     about.multiply(onAxis);
     about.multiply(off);

@@ -126,6 +126,7 @@ TEST(DUNXFileOutputStream, FaultsAreReturnedNotThrown) {
     DUNXFileOutputStream byPath("/dev/full"), byFile(full), byFd(fullFd), closed(closedFd),
         bad("/dev/full/x"), empty(""), noFile(static_cast<std::FILE*>(nullptr)), negative(-1);
     EXPECT_FALSE(bad.IsOpen() || empty.IsOpen() || noFile.IsOpen() || negative.IsOpen());
+    EXPECT_EQ(bad.flush() + negative.flush(), -2); // nothing open: a flush fails too
     // A FILE may take the bytes into its buffer and fail only when flushing.
     for (DUNXFileOutputStream* out : {&byPath, &byFile})
         EXPECT_TRUE(writeText(*out, "lost") == -1 || out->flush() == -1);
