@@ -3,6 +3,7 @@
 #include <dunx/DUNXString.h>
 
 #include "FuzzInput.h"
+#include "support/LocaleUnits.h"
 
 #include <algorithm>
 #include <clocale>
@@ -21,33 +22,8 @@ Units unitsOf(const DUNXString& s) {
     return units ? Units(units, units + s.length()) : Units();
 }
 
-// The plain narrow conversion that the fast paths stand in for: one mbrtowc
-// call per character; when the locale cannot read the text, every byte
-// becomes a unit of its own value.
 Units unitsByTheLocale(const char* text) {
-    const std::size_t size = std::strlen(text);
-    Units units;
-    std::mbstate_t state{};
-    for (std::size_t i = 0; i < size;) {
-        wchar_t wc = 0;
-        const std::size_t used = std::mbrtowc(&wc, text + i, size - i, &state);
-        const auto code = static_cast<unsigned long>(wc);
-        if (used == static_cast<std::size_t>(-1) || used == static_cast<std::size_t>(-2) ||
-            used == 0 || code > 0x10FFFF || (code >= 0xD800 && code < 0xE000)) {
-            units.clear();
-            for (std::size_t j = 0; j < size; ++j)
-                units.push_back(static_cast<unsigned char>(text[j]));
-            return units;
-        }
-        if (code > 0xFFFF) {
-            units.push_back(static_cast<unsigned short>(0xD800 + ((code - 0x10000) >> 10)));
-            units.push_back(static_cast<unsigned short>(0xDC00 + ((code - 0x10000) & 0x3FF)));
-        } else {
-            units.push_back(static_cast<unsigned short>(code));
-        }
-        i += used;
-    }
-    return units;
+    return dunx::test::UnitsByTheLocale(text, std::strlen(text));
 }
 
 // equals, hashCode and indexOf by their unit-by-unit definitions, against the

@@ -1,6 +1,7 @@
 #include <dunx/DUNXString.h>
 
 #include "support/AllocationCounter.h"
+#include "support/LocaleUnits.h"
 #include "support/ScopedLocale.h"
 #include "support/TestSystem.h"
 
@@ -272,32 +273,8 @@ TEST(DUNXString, Utf8InAndOutWhateverTheLocaleWithOneReplacementPerMaximalSubpar
 
 namespace {
 
-// The narrow conversion as the conventions state it, one mbrtowc call per
-// character: the whole text as 16-bit units, or, when the locale cannot read
-// some of it, every byte as a unit of its own value.
 std::vector<unsigned short> unitsByTheLocale(const std::string& text) {
-    std::vector<unsigned short> units;
-    std::mbstate_t state{};
-    for (std::size_t i = 0; i < text.size();) {
-        wchar_t wc = 0;
-        const std::size_t used = std::mbrtowc(&wc, text.data() + i, text.size() - i, &state);
-        const auto code = static_cast<unsigned long>(wc);
-        if (used == static_cast<std::size_t>(-1) || used == static_cast<std::size_t>(-2) ||
-            used == 0 || code > 0x10FFFF || (code >= 0xD800 && code < 0xE000)) {
-            units.assign(text.begin(), text.end());
-            for (unsigned short& unit : units)
-                unit &= 0xFF;
-            return units;
-        }
-        if (code > 0xFFFF) {
-            units.push_back(static_cast<unsigned short>(0xD800 + ((code - 0x10000) >> 10)));
-            units.push_back(static_cast<unsigned short>(0xDC00 + ((code - 0x10000) & 0x3FF)));
-        } else {
-            units.push_back(static_cast<unsigned short>(code));
-        }
-        i += used;
-    }
-    return units;
+    return dunx::test::UnitsByTheLocale(text.data(), text.size());
 }
 
 std::vector<unsigned short> unitsOf(const S& s) {
