@@ -53,6 +53,7 @@ protected:
 
 private:
     class DispatchScope;
+    static DUNXEventBus& MakeEventBus();
 
     DUNXDynamicArray<DUNXEventListener*> m_Listeners;
     int m_DispatchDepth = 0;   // nesting of Send calls in progress

@@ -92,6 +92,28 @@ TEST_F(DUNXEventBusTest, DispatchIsReentrantAndSafeAgainstChangesToTheListAndExc
                        "B:Outer A:Third B:Third B:Boom C:Last ");
 }
 
+TEST_F(DUNXEventBusTest, TheLastListenerMayChangeTheListFireAgainAndThrow) {
+    for (Recorder* r : {&a, &b, &c})
+        bus.AddListener(r);
+    c.action = [this](DUNXEvent& event) {
+        if (event.IsA("One")) {
+            bus.RemoveListener(&a); // gone at once: the nested event does not reach it
+            fire("Nested");
+        }
+        if (event.IsA("Two"))
+            throw DUNXAbortException();
+    };
+    fire("One");
+    EXPECT_THROW(fire("Two"), DUNXAbortException);
+    b.action = [this](DUNXEvent& event) {
+        if (event.IsA("Three"))
+            bus.RemoveListener(&c); // C stands behind B: not called any more
+    };
+    fire("Three");
+    fire("Four");
+    EXPECT_EQ(journal, "A:One B:One C:One B:Nested C:Nested B:Two C:Two B:Three B:Four ");
+}
+
 TEST_F(DUNXEventBusTest, RemovalsDuringANestedDispatchNeitherSkipNorPileUp) {
     bus.RemoveListener(&g_FiresBeforeMain); // so that A is the first entry, added twice
     for (Recorder* r : {&a, &a, &b, &c})
