@@ -27,6 +27,7 @@ std::vector<std::pair<std::string, Target>> makeGroups() {
         {"GetOption among 1000 names", {T::NoSlowerThanPeer, 0}},
         {"archive: 1M doubles, 1M counts", {T::FasterThanPeer, 0}},
         {"Morph3D on 1M points", {T::AtMostRatio, 1.15}},
+        {"Morph3D::Apply on 1M packed points", {T::AtMostRatio, 1.15}},
         {"assembly transform on 1M points", {T::AtMostRatio, 1.15}},
         {"timing: start/end task pair", {T::UnderNanoseconds, 1000}},
     };

@@ -3,7 +3,10 @@
 #include <dunx/DUNXStreamFormatter.h>
 #include <dunx/Gk_Def.h>
 
+#include "MorphEach.h"
+
 #include <cmath>
+#include <cstddef>
 
 namespace {
 
@@ -229,35 +232,7 @@ void DUNXMorph3D::FixScaleFactor() {
 }
 
 void DUNXMorph3D::Apply(double* xyz, int count, bool noTranslation) const {
-    if (isIdentity())
-        return;
-    // The flags are read once; the loops below are then plain arithmetic.
-    const bool affinePart = isAffine();
-    const bool scale = isScale();
-    const bool translate = !noTranslation && isTranslation();
-    const double s = m_Scale;
-    const double tx = m_Translation[0], ty = m_Translation[1], tz = m_Translation[2];
-    if (affinePart)
-        m_Affine.Apply(xyz, count);
-    // One loop per case, so that no coordinate meets a multiplication by 1 or an
-    // added 0 that the single-point path would not do (-0 + 0 is +0).
-    if (scale && translate) {
-        for (int i = 0; i < count; ++i, xyz += 3) {
-            xyz[0] = xyz[0] * s + tx;
-            xyz[1] = xyz[1] * s + ty;
-            xyz[2] = xyz[2] * s + tz;
-        }
-    } else if (scale) {
-        for (int i = 0; i < count; ++i, xyz += 3) {
-            xyz[0] *= s;
-            xyz[1] *= s;
-            xyz[2] *= s;
-        }
-    } else if (translate) {
-        for (int i = 0; i < count; ++i, xyz += 3) {
-            xyz[0] += tx;
-            xyz[1] += ty;
-            xyz[2] += tz;
-        }
-    }
+    const double translation[3] = {m_Translation[0], m_Translation[1], m_Translation[2]};
+    dunx::internal::MorphEach(count, *this, translation, noTranslation,
+                              [xyz](int i) { return xyz + 3 * static_cast<std::ptrdiff_t>(i); });
 }

@@ -8,6 +8,8 @@
 #include <dunx/Gk_Def.h>
 #include <dunx/Gk_ErrMgr.h>
 
+#include "MorphEach.h"
+
 #include <cmath>
 #include <utility>
 
@@ -315,49 +317,8 @@ void DUNXPoint3D::Transform(const DUNXMorph3D& morph, bool noTranslation) {
 
 void DUNXPoint3D::TransformArray(DUNXPoint3D* points, int count, const DUNXMorph3D& morph,
                                  bool noTranslation) {
-    if (morph.isIdentity())
-        return;
-    // Everything the single-point path reads from the morph, read once into
-    // locals: the stores to the points cannot alias them, so the loop is plain
-    // arithmetic. The steps and their order are the single-point path's.
-    const bool affinePart = morph.isAffine();
-    const bool scale = morph.isScale();
-    const bool translate = !noTranslation && morph.isTranslation();
-    double a[9];
-    for (int row = 0; row < 3; ++row)
-        for (int column = 0; column < 3; ++column)
-            a[3 * row + column] = morph.affine().GetElement(row, column);
-    const double s = morph.scaleFactor();
-    const double* t = morph.translation().m_Coords;
-    const double tx = t[0], ty = t[1], tz = t[2];
-    if (!affinePart && !scale && !translate)
-        return; // a pure translation, left out
-    // Each point is loaded once and stored once: storing after every step
-    // and loading again made the processor wait on every point.
-    for (int i = 0; i < count; ++i) {
-        double* c = points[i].m_Coords;
-        double x = c[0], y = c[1], z = c[2];
-        if (affinePart) {
-            const double ax = a[0] * x + a[1] * y + a[2] * z;
-            const double ay = a[3] * x + a[4] * y + a[5] * z;
-            z = a[6] * x + a[7] * y + a[8] * z;
-            x = ax;
-            y = ay;
-        }
-        if (scale) {
-            x *= s;
-            y *= s;
-            z *= s;
-        }
-        if (translate) {
-            x += tx;
-            y += ty;
-            z += tz;
-        }
-        c[0] = x;
-        c[1] = y;
-        c[2] = z;
-    }
+    dunx::internal::MorphEach(count, morph, morph.translation().m_Coords, noTranslation,
+                              [points](int i) { return points[i].m_Coords; });
 }
 
 void DUNXPoint3D::Transform(const DUNXAffine3D& affine) {
