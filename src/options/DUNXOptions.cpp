@@ -81,7 +81,13 @@ std::uint64_t lastUnits(const unsigned short* units, int count) {
 // products of one step do not wait for each other), with MurmurHash3's final
 // mixing so that names differing only in their last units do not crowd
 // neighbouring entries. Never stored outside this index, so it may change freely.
-unsigned nameHash(const unsigned short* units, int length) {
+#if defined(__GNUC__)
+#define DUNX_ALWAYS_INLINE inline __attribute__((always_inline))
+#else
+#define DUNX_ALWAYS_INLINE inline
+#endif
+
+DUNX_ALWAYS_INLINE unsigned nameHash(const unsigned short* units, int length) {
     constexpr std::uint64_t kFirst = 0x9E3779B97F4A7C15u, kSecond = 0xC2B2AE3D27D4EB4Fu;
     std::uint64_t first = static_cast<std::uint64_t>(length), second = 0;
     int i = 0;
@@ -93,7 +99,16 @@ unsigned nameHash(const unsigned short* units, int length) {
         first = (first + fourUnits(units + i)) * kFirst;
         i += 4;
     }
-    second = (second + lastUnits(units + i, length - i)) * kSecond;
+    // The last zero to three units: from a name of four units or more they are
+    // the top of its last four, read at once and shifted down, with no loop
+    // whose length changes from name to name.
+    const int rest = length - i;
+    std::uint64_t tail;
+    if (length >= 4)
+        tail = rest == 0 ? 0 : fourUnits(units + length - 4) >> (64 - 16 * rest);
+    else
+        tail = lastUnits(units, length);
+    second = (second + tail) * kSecond;
     std::uint64_t hash = first ^ (second >> 32 | second << 32);
     hash ^= hash >> 33;
     hash *= 0xFF51AFD7ED558CCDu;
@@ -103,12 +118,15 @@ unsigned nameHash(const unsigned short* units, int length) {
 
 // Inline rather than memcmp: index names are short, and a call to memcmp
 // cost more than the comparison itself.
-bool sameUnits(const unsigned short* a, const unsigned short* b, int length) {
-    int i = 0;
-    for (; i + 4 <= length; i += 4)
+DUNX_ALWAYS_INLINE bool sameUnits(const unsigned short* a, const unsigned short* b, int length) {
+    if (length < 4)
+        return lastUnits(a, length) == lastUnits(b, length);
+    // Whole words up to the last one, then the last four units, which may
+    // overlap the word before them: no loop over a tail of one to three units.
+    for (int i = 0; i + 4 < length; i += 4)
         if (fourUnits(a + i) != fourUnits(b + i))
             return false;
-    return lastUnits(a + i, length - i) == lastUnits(b + i, length - i);
+    return fourUnits(a + length - 4) == fourUnits(b + length - 4);
 }
 
 bool isWildcard(const DUNXString& token) {
@@ -257,7 +275,7 @@ DUNIResult DUNXOptions::store(const DUNXOption& option, bool replaceExisting) {
     return DUNI_S_SUCCESS;
 }
 
-int DUNXOptions::findExact(const DUNXString& name) const {
+DUNX_ALWAYS_INLINE int DUNXOptions::findExact(const DUNXString& name) const {
     if (m_ExactTable.empty())
         return -1;
     const unsigned short* units = name;
