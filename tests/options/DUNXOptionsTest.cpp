@@ -64,6 +64,11 @@ TEST(DUNXOptions, ExactPathWinsAndWildcardAnswersWhereItLeadsNowhere) {
         EXPECT_TRUE(set.AddOption(name.c_str(), 1) ==
                         (name == deep ? 0 : DUNI_E_INVALID_ARGUMENT) &&
                     answer(set, name) == (name == deep ? "1" : "<none>"));
+    // At exactly 256 tokens a name is still walked through the tree: a wildcard answers.
+    const std::string stem = deep.substr(0, deep.size() - 1);
+    EXPECT_EQ(long(set.AddOption((stem + "*").c_str(), 2)), 0);
+    EXPECT_EQ(answer(set, stem + "u"), "2");
+    EXPECT_TRUE(set.HasOption(DUNXOption(DUNXOptionName(deep.c_str()), 1)));
     EXPECT_EQ(long(set.AddOption(DUNXOption())), DUNI_E_NO_VALUE);
 }
 
