@@ -100,6 +100,8 @@ TEST(Gk_Unit, ConvertsLengthsByTheirExactSizes) {
     EXPECT_EQ(in(DUNIUnitMicroinch, 1.0, DUNIUnitMilliinch), 0.001);
     EXPECT_EQ(in(DUNIUnitModel, 3.0, DUNIUnitMeter), 3.0) << "an unset unit converts nothing";
     EXPECT_EQ(in(DUNIUnitMeter, 3.0, DUNIUnitUnknown), 3.0);
+    for (const DUNXUnit sizeless : {DUNIUnitUnknown, DUNIUnitModel, static_cast<DUNXUnit>(99)})
+        EXPECT_TRUE(Gk_Unit::ForLength(sizeless) == Gk_Unit()) << "not even named: " << sizeless;
     EXPECT_STREQ(Gk_Unit::ForLength(DUNIUnitKilometer).GetName(), "kilometer");
 
     const Gk_Unit unset, named("cubit", 457.2), copy(named);

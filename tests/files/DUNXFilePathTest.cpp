@@ -50,6 +50,7 @@ TEST(DUNXFilePath, AnswersEveryQueryFromTheNormalisedText) {
         {R"(dir.d\file)", R"(dir.d\file|file|file|file||dir.d)"},
         {"a/b.c/d.e.f", R"(a\b.c\d.e.f|d.e.f|d|d.e|f|a\b.c)"},
         {R"(dir\.hidden)", R"(dir\.hidden|.hidden|||hidden|dir)"},
+        {".hidden", ".hidden|.hidden|||hidden|"},
         {"..", "..|..||.||"},
         {"/x", R"(\x|x|x|x|||absolute)"},
         {"C:file", "C:file|C:file|C:file|C:file||"},
@@ -61,6 +62,8 @@ TEST(DUNXFilePath, AnswersEveryQueryFromTheNormalisedText) {
     EXPECT_TRUE(tarGz.HasExtension("gz") && tarGz.HasExtension(".tar.GZ"));
     EXPECT_FALSE(tarGz.HasExtension("z") || tarGz.HasExtension("") ||
                  DUNXFilePath().HasExtension("gz") || DUNXFilePath("d.gz/").HasExtension("gz"));
+    // The extension is glued on as given, so a '/' can lead the text and make it absolute.
+    EXPECT_EQ(answers(DUNXFilePath("", "/x")), "/x|/x|/x|/x|||absolute");
 }
 
 TEST(DUNXFilePath, EveryConstructorNormalisesAndNullTextGivesAnEmptyPath) {

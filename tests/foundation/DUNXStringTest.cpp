@@ -44,7 +44,7 @@ TEST(DUNXString, EveryWayOfMakingAStringGivesItsUnits) {
     const S hello("hello"), null, accents("h\xC3\xA9llo \xE2\x82\xAC"), emoji("a\xF0\x9F\x98\x80");
     const char* noText = nullptr; // not a constant, so no format check applies
     unsigned short* const noUnits = nullptr;
-    unsigned short units[] = {'h', 0xE9, 0xFFFF, 0};
+    unsigned short units[] = {'h', 0xE9, 0xFFFF, 0}, cut[] = {'a', 'b', 0, 'c', 'd'};
     const std::string big(3000, 'x');
     // clang-format off
     const std::pair<S, std::string> rows[] = {
@@ -62,6 +62,9 @@ TEST(DUNXString, EveryWayOfMakingAStringGivesItsUnits) {
         {S::valueOf(2.5f), "2.500000"}, {S::valueOf(1e20), "100000000000000000000.000000"},
         {S::valueOf(true), "true"}, {S::valueOf(false), "false"}, {S::valueOf(units[0]), "h"},
         {S::valueOf(units), "h\\u00E9\\uFFFF"}, {S::valueOf(units, 1, 1), "\\u00E9"},
+        {S::valueOf(cut, 0, 5), "ab"}, // a 0 ends the units before the count does
+        {S::valueOf(cut, 2, 3), ""}, {S::valueOf(units, 0, 0), ""}, {S::valueOf(units, 0, -1), N},
+        {S::valueOf(units + 1, -1, 1), N},
         {S::valueOf(noUnits), N}, {hello.substring(1, 3), "el"}, {hello.substring(0, 5), "hello"},
         {hello.substring(4, 5), "o"}, {hello.substring(2, 2), N}, {hello.substring(0, 6), N},
         {hello.substring(-1, 2), N}, {hello.substring(3, 2), N}, {hello.substring(2), "llo"},
@@ -73,7 +76,7 @@ TEST(DUNXString, EveryWayOfMakingAStringGivesItsUnits) {
         // Kept as is: callers rely on trim dropping the last unit when no white space trails it.
         {S(" abc ").trim(), "abc"}, {S("abc ").trim(), "abc"}, {S("abc").trim(), "ab"},
         {S("  ab").trim(), "a"}, {S("\t x\n").trim(), "x"}, {S("a").trim(), N},
-        {S("   ").trim(), N}, {null.trim(), N},
+        {S("   ").trim(), N}, {null.trim(), N}, {S("ab \t ").trim(), "ab"},
     };
     // clang-format on
     for (const auto& row : rows)
@@ -165,7 +168,7 @@ TEST(DUNXString, ComparesHashesAndSearchesUnitsAsUnsignedWithinBounds) {
     const std::tuple<char16_t, int, std::tuple<int, int, int>> units[] = {
         {'l', 0, {2, -1, 3}}, {'l', 2, {2, 2, 3}}, {'l', 3, {3, 3, -1}}, {'l', 4, {-1, 3, -1}},
         {'h', 0, {0, 0, -1}}, {'o', 3, {4, -1, 4}}, {'o', 5, {-1, -1, -1}}, {'h', -1, {-1, -1, -1}},
-        {'x', 0, {-1, -1, -1}}};
+        {'x', 0, {-1, -1, -1}}, {0, 0, {-1, -1, -1}}}; // the terminating 0 is not in the text
     // needle, from: in "abcabc" indexOf, lastIndexOf.
     const std::tuple<const char*, int, std::tuple<int, int>> needles[] = {
         {"bc", 0, {1, -1}}, {"bc", 2, {4, 1}}, {"bc", 5, {-1, 4}}, {"abc", 3, {3, 3}},

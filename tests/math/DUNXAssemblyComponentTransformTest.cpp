@@ -124,14 +124,15 @@ TEST(DUNXAssemblyComponentTransform, ApplyWorksInDoubleAndSkipsTheIdentity) {
     nearly.SetScale(10);
     const double symmetric[9] = {2, 1, 1, 1, 3, 1, 1, 1, 4}; // the same in either layout
     float p[3] = {1, 2, 3}, v[3] = {1, 2, 3}, q[3] = {1, 2, 3}, r[3] = {1e8f, 1, 0},
-          s[3] = {1, 2, 3};
+          s[3] = {1, 2, 3}, u[3] = {1, 2, 3};
     make(kQuarterTurnZ, t0).ApplyTransform(p);
-    make(symmetric, t0).ApplyTransform(s);
+    make(symmetric, t0).ApplyTransform(s); // every element counts
     make(kQuarterTurnZ, t0).ApplyRotation(v);
+    make(symmetric, t0).ApplyRotation(u);
     nearly.ApplyTransform(q); // within 1e-6 of the identity nothing is applied, nor the scale
     make(big, shift).ApplyTransform(r); // 1e8 + 1 − 1e8 would be lost in float arithmetic
     expectCases(CASE(p, 8, 21, 33), CASE(v, -2, 1, 3), CASE(q, 1, 2, 3), CASE(r[0], 1),
-                CASE(s, 17, 30, 45));
+                CASE(s, 17, 30, 45), CASE(u, 7, 10, 15));
 }
 
 TEST(DUNXAssemblyComponentTransform, CompositionAppliesTheRightOperandFirst) {

@@ -53,21 +53,23 @@ TEST(DUNXMath3x3Matrixf, DiagonalConstructorSetsTheKind) {
 }
 
 TEST(DUNXMath3x3Matrixf, InverseByKind) {
-    M3 out = fromRows({9, 9, 9, 9, 9, 9, 9, 9, 9}), turned, flipped, general, quarter;
+    M3 out = fromRows({9, 9, 9, 9, 9, 9, 9, 9, 9}), turned, flipped, general, quarter, minusHalf;
     const M3 singular = fromRows({1, 2, 3, 2, 4, 6, 1, 1, 1}),
              m = fromRows({1, 1, 0, 0, 1, 1, 1, 0, 1});
     const Values answers =
         join(M3(0.0f).Inverse(out), singular.Inverse(out), M3(V(0, 0, 1), kHalfPi).Inverse(turned),
-             M3(-1.0f).Inverse(flipped), m.Inverse(general), M3(4.0f).Inverse(quarter));
+             M3(-1.0f).Inverse(flipped), m.Inverse(general), M3(4.0f).Inverse(quarter),
+             M3(-2.0f).Inverse(minusHalf));
     // An isometry is inverted by transposition and keeps its kind; so does a uniform scaling.
-    expectCases(
-        CASE(answers, false, false, true, true, true, true),
-        CASE(join(turned.GetKind(), flipped.GetKind(), general.GetKind(), quarter.GetKind()), 1, -1,
-             0, 2),
-        CASE(elements(out), 9, 9, 9, 9, 9, 9, 9, 9, 9), // left as it was
-        CASE(elements(general), 0.5, -0.5, 0.5, 0.5, 0.5, -0.5, -0.5, 0.5, 0.5),
-        CASE(elements(quarter), 0.25, 0, 0, 0, 0.25, 0, 0, 0, 0.25),
-        CASE(elements(singular.Inverse()), 1, 0, 0, 0, 1, 0, 0, 0, 1)); // the identity
+    expectCases(CASE(answers, false, false, true, true, true, true, true),
+                CASE(join(turned.GetKind(), flipped.GetKind(), general.GetKind(), quarter.GetKind(),
+                          minusHalf.GetKind()),
+                     1, -1, 0, 2, -2),
+                CASE(elements(out), 9, 9, 9, 9, 9, 9, 9, 9, 9), // left as it was
+                CASE(elements(general), 0.5, -0.5, 0.5, 0.5, 0.5, -0.5, -0.5, 0.5, 0.5),
+                CASE(elements(quarter), 0.25, 0, 0, 0, 0.25, 0, 0, 0, 0.25),
+                CASE(elements(minusHalf), -0.5, 0, 0, 0, -0.5, 0, 0, 0, -0.5),
+                CASE(elements(singular.Inverse()), 1, 0, 0, 0, 1, 0, 0, 0, 1)); // the identity
     expectNear(1e-6, CASE(elements(turned), 0, 1, 0, -1, 0, 0, 0, 0, 1),
                CASE(elements(m * m.Inverse()), 1, 0, 0, 0, 1, 0, 0, 0, 1));
 }
@@ -83,8 +85,8 @@ TEST(DUNXMath3x3Matrixf, MeasuresColumnsAndElements) {
     columns.SetSecondColumn(V(4, 5, 6));
     columns.SetThirdColumn(V(7, 8, 9));
     changed.SetCoef(1, 2, 5);
-    // A changed element voids the kind.
-    expectCases(CASE(elements(columns), 1, 4, 7, 2, 5, 8, 3, 6, 9),
+    // A changed element or column voids the kind.
+    expectCases(CASE(join(elements(columns), columns.GetKind()), 1, 4, 7, 2, 5, 8, 3, 6, 9, 0),
                 CASE(join(changed.GetCoef(1, 2), changed.GetKind()), 5, 0));
 }
 
@@ -133,8 +135,13 @@ TEST(DUNX4x4Matrix, DeterminantAndScalingAreCachedUntilAChange) {
     expectNear(1e-6, CASE(measures(2, 2, 2), 8, 2), CASE(measures(-2, 4, 1), -8, 2),
                CASE(measures(1, 1, 0.9999f), 0.9999f, std::cbrt(0.9999f)),
                CASE(measures(0, 1, 1), 0, 0));
+    // Both ends of each band count as a unit determinant.
     expectCases(CASE(measures(1.0000005f, 1, 1), 1.0000005f, 1),
-                CASE(measures(-1, 1, 1.0000009f), -1.0000009f, 1));
+                CASE(measures(-1, 1, 1.0000009f), -1.0000009f, 1),
+                CASE(measures(0.999999f, 1, 1), 0.999999f, 1),
+                CASE(measures(1.000001f, 1, 1), 1.000001f, 1),
+                CASE(measures(-0.999999f, 1, 1), -0.999999f, 1),
+                CASE(measures(1, -1.000001f, 1), -1.000001f, 1));
     M4 m;
     const Values identity = join(m.GetDeterminant(), m.GetScaling());
     m.SetElement(1, 1, 27);
@@ -218,8 +225,10 @@ TEST(DUNX4x4Matrix, ComposesInOrderAndInverts) {
     P once(1, 2, 3), twice(once), back(-3, 4, 9); // a takes (1, 2, 3) to (-3, 4, 9)
     V v(1, 2, 2);
     M4 product, inverse;
+    float inverted[16];
     product.multiply(a, b);
     ASSERT_TRUE(a.GetInvertedMatrix(inverse));
+    inverse.GetMatrix(inverted);
     (a * b).multiply(once); // b first: (1, -3, 7), then a: (7, 4, 17)
     b.multiply(twice);
     a.multiply(twice);
@@ -228,14 +237,22 @@ TEST(DUNX4x4Matrix, ComposesInOrderAndInverts) {
     float normal[3];
     b.ComputeInverseTransposeThirdColumnNormalized(normal); // of a rotation, its third column
     EXPECT_TRUE(product == a * b);
-    expectNear(1e-5, CASE(join(once, twice), 7, 4, 17, 7, 4, 17), CASE(back, 1, 2, 3),
-               CASE(join(inverse.GetDeterminant(), a.GetScaling(), b.GetScaling()), 0.125, 2, 1),
-               CASE(v, 1, -2, 2), CASE(normal, 0, -1, 0));
-    M4 singular, untouched(V(1, 0, 0), 1.0f);
+    expectNear(
+        1e-5, CASE(join(once, twice), 7, 4, 17, 7, 4, 17), CASE(back, 1, 2, 3),
+        CASE(join(inverse.GetDeterminant(), a.GetScaling(), b.GetScaling()), 0.125, 2, 1),
+        CASE(v, 1, -2, 2), CASE(normal, 0, -1, 0),
+        // A quarter turn back at half the size, the translation undone, the homogeneous row kept.
+        CASE(inverted, 0, -0.5, 0, 0, 0.5, 0, 0, 0, 0, 0, 0.5, 0, -1, 0.5, -1.5, 1));
+    // A determinant of 1e-14 counts as singular, one of 2e-14 does not.
+    M4 singular, tiny, small, untouched(V(1, 0, 0), 1.0f), smallInverse;
     singular.SetElement(2, 2, 0);
+    tiny.SetElement(2, 2, 1e-14f);
+    small.SetElement(2, 2, 2e-14f);
     const M4 before(untouched);
-    EXPECT_FALSE(singular.GetInvertedMatrix(untouched));
+    EXPECT_FALSE(singular.GetInvertedMatrix(untouched) || tiny.GetInvertedMatrix(untouched));
     EXPECT_TRUE(untouched == before);
+    EXPECT_TRUE(small.GetInvertedMatrix(smallInverse));
+    EXPECT_FLOAT_EQ(smallInverse.GetElement(2, 2), 5e13f);
 }
 
 TEST(DUNX4x4Matrix, InverseTransposeThirdColumnIsTheTransformedNormal) {

@@ -21,6 +21,14 @@ DUNXAffine3D mirrorX() {
     a.SetElement(0, 0, -1);
     return a;
 }
+// A linear part without a zero element: each one shows in every coordinate it feeds.
+DUNXAffine3D dense() {
+    const double rows[9] = {1, 2, 3, 0.5, -1, 2, -2, 1, 1.5};
+    DUNXAffine3D a;
+    for (int i = 0; i < 9; ++i)
+        a.SetElement(i / 3, i % 3, rows[i]);
+    return a;
+}
 
 template <class P, class M> P moved(P p, const M& m, bool noTranslation = false) {
     p.Transform(m, noTranslation);
@@ -96,6 +104,8 @@ TEST(DUNXMorph, ComposesInOrderAndInvertsFromBothSides) {
                 CASE(join(alias.isEqual(ab), inverted.isEqual(inverse), a.isEqual(b),
                           a.multiply(inverse).isTranslation()),
                      true, true, false, false));
+    // Morphs that differ in the first element of their affine parts alone are not equal.
+    EXPECT_FALSE(DUNXMorph3D(mirrorX(), P3(1, 2, 3), 2).isEqual(DUNXMorph3D(P3(1, 2, 3), 2)));
 }
 
 TEST(DUNXMorph, InverseTransposesTheAffinePartEvenWhenItIsNotOrthonormal) {
@@ -166,7 +176,8 @@ TEST(DUNXMorph, BulkApplyMatchesOnePointAtATimeWithoutAllocating) {
         xyz[i] = 5 * std::sin(1.7 * double(i)); // spread over [-5, 5]
     for (const DUNXMorph3D& m :
          {DUNXMorph3D(quarterTurnZ(), P3(1, 0, 0), 2), DUNXMorph3D(), DUNXMorph3D(P3(1, 2, 3)),
-          DUNXMorph3D(P3(), 3), DUNXMorph3D(mirrorX(), P3(), 1)})
+          DUNXMorph3D(P3(), 3), DUNXMorph3D(mirrorX(), P3(), 1),
+          DUNXMorph3D(dense(), P3(1, -2, 3), 0.5)})
         for (bool noTranslation : {false, true}) {
             std::vector<double> bulk = xyz;
             EXPECT_EQ(allocationsOf([&] { m.Apply(bulk.data(), 64, noTranslation); }), 0);

@@ -37,10 +37,11 @@ TEST(DUNXWeightPoint, IndicesPastTheCoordinatesReachTheWeight) {
     const W2& c2 = w2; // the const forms
     const W3& c3 = w3;
     expectCases(CASE(join(c2[-1], c2[1], c2[2], c2[7]), 1, 2, 5, 5),
-                CASE(join(c3[2], c3[3], c3[100]), 3, 7, 7));
+                CASE(join(c3[-1], c3[2], c3[3], c3[100]), 1, 3, 7, 7));
     w3[9] = 0.5;
+    w3[-2] = 20;
     w2[-3] = 10;
-    EXPECT_EQ(join(w3.GetWeight(), w2[0]), Values({0.5, 10}));
+    EXPECT_EQ(join(w3.GetWeight(), w3[0], w2[0]), Values({0.5, 20, 10}));
 }
 
 TEST(DUNXWeightPoint, ArithmeticCarriesTheWeight) {

@@ -56,6 +56,13 @@ TEST(DUNXFileInputStream, ReadsByPathOrBorrowedFileOrDescriptorAndReturnsFaults)
     const int fd = dunx::test::OpenDescriptor(dir.file("name.bin"), O_RDONLY);
     EXPECT_EQ(readAll(DUNXFileInputStream(fd)), kBytes);
     EXPECT_EQ(::close(fd), 0) << "the borrowed descriptor was closed";
+    // Descriptor 0, standard input, is a descriptor like any other: the file stands in for it.
+    const int input = ::dup(0), file0 = dunx::test::OpenDescriptor(dir.file("name.bin"), O_RDONLY);
+    ASSERT_EQ(::dup2(file0, 0), 0);
+    const std::string fromInput = readAll(DUNXFileInputStream(0));
+    input >= 0 ? ::dup2(input, 0) : ::close(0); // as it was, even if it was closed
+    ::close(input), ::close(file0);
+    EXPECT_EQ(fromInput, kBytes);
 
     std::FILE* file = std::fopen(dir.file("name.bin").c_str(), "rb");
     char head[4];

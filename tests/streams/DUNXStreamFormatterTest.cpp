@@ -48,6 +48,10 @@ TEST_F(DUNXStreamFormatterTest, PrintsEachTypeWithItsFormatAndRefusesUnfitFormat
     ASSERT_TRUE(out.setLongFormat("%d") && out.setUnsignedLongFormat("%x"));
     out << -5000000000L << ' ' << 0x100000000UL;
     EXPECT_EQ(printed(), "-5000000000 100000000");
+    // Short and char lengths take the int and print it cut to their size, as printf does.
+    ASSERT_TRUE(out.setIntFormat("%hd") && out.setUnsignedFormat("%hhx"));
+    out << 70000 << ' ' << 0x1234u;
+    EXPECT_EQ(printed(), "4464 34");
     out.resetFormat();
     EXPECT_EQ(printEveryType(), defaults);
 }
