@@ -1,7 +1,8 @@
 # Debian packages of the installed tree, built by `make package` (cpack):
 #   dunxbase  the shared library, its headers, the CMake package and the
 #             pkg-config file: everything a translator needs to build against it
-#   dunx      the dunx driver with its translator module, over dunxbase
+#   dunx      the dunx driver with its translator module, over dunxbase; the
+#             module is private to the driver (lib/<multiarch>/dunx/), not in bin/
 # Configure with -DCMAKE_INSTALL_PREFIX=/usr, so that the library lands in the
 # multiarch folder (lib/x86_64-linux-gnu) where Debian's loader and tools look.
 set(CPACK_GENERATOR DEB)

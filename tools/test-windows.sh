@@ -11,7 +11,8 @@
 #
 # Checks the tools first (tools/check-deps.sh --windows), then configures with
 # cmake/toolchain-mingw64.cmake, builds everything, runs the whole suite through
-# CTest (one Wine process per test program) and translates
+# CTest (one Wine process per test program; the end-to-end tests start dunx.exe
+# as Wine processes of their own) and translates
 # examples/assembly/trolley.cfg with dunx.exe and with the Linux dunx.
 set -euo pipefail
 
@@ -36,6 +37,9 @@ fi
 
 bash tools/check-deps.sh --windows --no-tests
 
+# Absolute: Wine's prefix lies in it, and Wine starts in another folder.
+[[ "$build_dir" == /* ]] || build_dir="$PWD/$build_dir"
+
 generator=()
 if [[ ! -f "$build_dir/CMakeCache.txt" ]] && command -v ninja >/dev/null 2>&1; then
     generator=(-G Ninja)
@@ -46,7 +50,7 @@ cmake --build "$build_dir" --parallel "$jobs"
 
 # The same Wine set-up as CTest's (the toolchain's emulator): a private prefix,
 # no debug channels, no display, no offer to install .NET or the HTML engine.
-export WINEPREFIX="$PWD/$build_dir/wine" WINEDEBUG=-all WINEDLLOVERRIDES="mscoree,mshtml="
+export WINEPREFIX="$build_dir/wine" WINEDEBUG=-all WINEDLLOVERRIDES="mscoree,mshtml="
 unset DISPLAY WAYLAND_DISPLAY
 # Made once here: test programs started in parallel would each try to make it.
 if [[ ! -f "$WINEPREFIX/system.reg" ]]; then

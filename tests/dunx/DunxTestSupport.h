@@ -1,29 +1,42 @@
-// What the end-to-end tests of dunx need: the program run as a process, and
-// independent readers of its outputs (MeshFiles.h for STL and OBJ, JSON here).
+// What the end-to-end tests of dunx need: the program run as a process (DunxProcess.h), scratch
+// folders, and independent readers of its outputs (MeshFiles.h for STL and OBJ, JSON here).
 #pragma once
 
+#include "DunxProcess.h"
 #include "MeshFiles.h"
 
 #include <gtest/gtest.h>
 
 #include <cstring>
-#include <fcntl.h>
 #include <filesystem>
 #include <map>
-#include <pty.h>
-#include <sys/wait.h>
-#include <unistd.h>
 
 namespace dunxtest {
 
 inline bool FileExists(const std::string& path) {
-    return ::access(path.c_str(), F_OK) == 0;
+    std::error_code ignored;
+    return std::filesystem::exists(path, ignored);
 }
 
-/// A scratch folder, removed with everything in it; `folder / "name"` is a path in it.
+/// A scratch folder in the system's temporary folder, removed with everything in it;
+/// `folder / "name"` is a path in it.
 struct ScratchFolder {
-    ScratchFolder() : m_Path(std::filesystem::temp_directory_path() / "dunx-endtoend-XXXXXX") {
-        EXPECT_NE(::mkdtemp(m_Path.data()), nullptr) << m_Path;
+    ScratchFolder() {
+        // The process number keeps test programs apart, the count the folders of one.
+        static int made = 0;
+#ifdef _WIN32
+        const long process = _getpid();
+#else
+        const long process = ::getpid();
+#endif
+        const std::filesystem::path temp = std::filesystem::temp_directory_path();
+        std::error_code error;
+        do {
+            const std::string name =
+                "dunx-endtoend-" + std::to_string(process) + "-" + std::to_string(++made);
+            m_Path = (temp / name).string();
+        } while (!std::filesystem::create_directory(m_Path, error) && !error);
+        EXPECT_FALSE(error) << m_Path << ": " << error.message();
     }
     ~ScratchFolder() {
         std::error_code ignored;
@@ -31,79 +44,27 @@ struct ScratchFolder {
     }
     ScratchFolder(const ScratchFolder&) = delete;
     ScratchFolder& operator=(const ScratchFolder&) = delete;
-    const std::string& Path() const { return m_Path; }
-    std::string operator/(const std::string& name) const { return m_Path + "/" + name; }
+    const std::string& Path() const {
+        return m_Path;
+    }
+    std::string operator/(const std::string& name) const {
+        return m_Path + "/" + name;
+    }
     std::string m_Path;
 };
 
-using Args = std::vector<std::string>;
-using Env = std::vector<std::pair<std::string, std::string>>;
-/// How a run of dunx ended.
-struct RunResult {
-    int exitCode = -1; ///< -1 when it did not exit normally
-    std::string out, err;
-    std::string LastErrorLine() const { // the last non-empty line of standard error
-        const std::string text = err.substr(0, err.find_last_not_of('\n') + 1);
-        return text.substr(text.rfind('\n') + 1);
-    }
-};
+/// True when the tests run as root, who passes every permission check; never on Windows.
+inline bool RunsAsRoot() {
+#ifdef _WIN32
+    return false;
+#else
+    return ::geteuid() == 0;
+#endif
+}
 
-/// In a child process: dunx in folder `cwd`, with every DUNX* variable of the
-/// test's environment removed and `env` added; ended by an alarm after 300 s.
-[[noreturn]] inline void ExecDunx(const Args& args, const std::string& cwd, const Env& env) {
-    std::vector<std::string> names;
-    for (char** entry = environ; *entry; ++entry)
-        if (std::strncmp(*entry, "DUNX", 4) == 0)
-            names.emplace_back(*entry, std::strcspn(*entry, "="));
-    for (const std::string& name : names)
-        ::unsetenv(name.c_str());
-    for (const auto& [name, value] : env)
-        ::setenv(name.c_str(), value.c_str(), 1);
-    std::vector<char*> argv = {const_cast<char*>(DUNX_PROGRAM)};
-    for (const std::string& arg : args)
-        argv.push_back(const_cast<char*>(arg.c_str()));
-    argv.push_back(nullptr);
-    ::alarm(300);
-    if (::chdir(cwd.c_str()) == 0)
-        ::execv(DUNX_PROGRAM, argv.data());
-    ::_exit(127);
-}
-/// Starts dunx as `ExecDunx` does, without waiting: its standard output and error
-/// go to files in `cwd`, or with `terminal` to a new pseudo-terminal, its other side.
-inline pid_t StartDunx(const Args& args, const std::string& cwd, const Env& env = {},
-                       int* terminal = nullptr) {
-    const pid_t pid = terminal ? ::forkpty(terminal, nullptr, nullptr, nullptr) : ::fork();
-    if (pid == 0 && !terminal) {
-        ::dup2(::open((cwd + "/.dunx-out").c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0644), 1);
-        ::dup2(::open((cwd + "/.dunx-err").c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0644), 2);
-    }
-    if (pid == 0)
-        ExecDunx(args, cwd, env);
-    return pid;
-}
-/// Waits for a dunx started with `StartDunx` and collects its output; all of it
-/// in `out` when it went to `terminal`.
-inline RunResult FinishDunx(pid_t pid, const std::string& cwd, int terminal = -1) {
-    std::string shown;
-    char buffer[4096];
-    // The terminal reports an error once the child has closed its side.
-    for (ssize_t got; terminal >= 0 && (got = ::read(terminal, buffer, sizeof buffer)) > 0;)
-        shown.append(buffer, static_cast<std::size_t>(got));
-    int status = 0;
-    ::waitpid(pid, &status, 0);
-    if (terminal >= 0)
-        ::close(terminal);
-    return {WIFEXITED(status) ? WEXITSTATUS(status) : -1,
-            terminal >= 0 ? shown : ReadText(cwd + "/.dunx-out"),
-            terminal >= 0 ? "" : ReadText(cwd + "/.dunx-err")};
-}
-inline RunResult RunDunx(const Args& args, const std::string& cwd, const Env& env = {}) {
-    return FinishDunx(StartDunx(args, cwd, env), cwd);
-}
-inline RunResult RunDunxOnTerminal(const Args& args, const std::string& cwd) {
-    int terminal = -1;
-    const pid_t pid = StartDunx(args, cwd, {}, &terminal);
-    return FinishDunx(pid, cwd, terminal);
+/// A file of the source tree, with a drive on Windows (see DunxProgram).
+inline std::string SourceFile(const std::string& relative) {
+    return (std::filesystem::absolute(DUNX_SOURCE_DIR) / relative).string();
 }
 
 /// Test failures for each of `pieces` that `text` does not hold.
@@ -198,7 +159,7 @@ inline bool ParseJson(const std::string& s, std::size_t& at, Json& value) {
 }
 /// The JSON file at `path`; a test failure when it is not one JSON value.
 inline Json ReadJson(const std::string& path) {
-    const std::string text = ReadText(path);
+    const std::string text = ReadTextFile(path);
     Json value;
     std::size_t at = 0;
     EXPECT_TRUE(ParseJson(text, at, value) &&

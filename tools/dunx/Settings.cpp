@@ -14,12 +14,23 @@
 #include <dirent.h>
 #include <sys/stat.h>
 
+// The module folder of an installed dunx relative to its own folder; "." where the
+// modules are installed beside the program.
+#ifndef DUNX_MODULE_FOLDER
+#define DUNX_MODULE_FOLDER "."
+#endif
+
 namespace dunx::driver {
 namespace {
 
 bool isRegularFile(const std::string& path) {
     struct stat info;
     return ::stat(path.c_str(), &info) == 0 && S_ISREG(info.st_mode);
+}
+
+bool isFolder(const std::string& path) {
+    struct stat info;
+    return ::stat(path.c_str(), &info) == 0 && S_ISDIR(info.st_mode);
 }
 
 DUNIResult readConfigFile(const std::string& path, DUNXOptions& options,
@@ -196,6 +207,18 @@ std::string ProgramFolder() {
     return slash == std::string::npos ? std::string() : path.substr(0, slash);
 }
 
+std::vector<std::string> ModuleFolders() {
+    const std::string program = ProgramFolder();
+    if (program.empty())
+        return {};
+    std::vector<std::string> folders;
+    const std::string installed = program + "/" + DUNX_MODULE_FOLDER;
+    if (std::string(DUNX_MODULE_FOLDER) != "." && isFolder(installed))
+        folders.push_back(system::ResolvedPath(installed));
+    folders.push_back(program);
+    return folders;
+}
+
 DUNIResult LocateTranslator(const std::string& request, std::string& path, std::string& error) {
     const std::string wanted = request.empty() ? kDefaultTranslator : request;
     if (wanted.find_first_of(system::kPathSeparators) != std::string::npos) {
@@ -206,17 +229,21 @@ DUNIResult LocateTranslator(const std::string& request, std::string& path, std::
         error = "unknown translator '" + wanted + "': no such module file";
         return DUNI_E_INVALID_ARGUMENT;
     }
-    const std::string folder = ProgramFolder();
+    const std::vector<std::string> folders = ModuleFolders();
     const std::string suffix = system::kModuleSuffix;
-    for (const std::string& candidate : {"lib" + wanted + suffix, wanted + suffix, wanted}) {
-        if (isRegularFile(folder + "/" + candidate)) {
-            path = folder + "/" + candidate;
-            return DUNI_S_SUCCESS;
+    for (const std::string& folder : folders)
+        for (const std::string& candidate : {"lib" + wanted + suffix, wanted + suffix, wanted}) {
+            if (isRegularFile(folder + "/" + candidate)) {
+                path = folder + "/" + candidate;
+                return DUNI_S_SUCCESS;
+            }
         }
-    }
     // Name the modules that are there, so the user can pick one.
     std::vector<std::string> found;
-    if (DIR* dir = ::opendir(folder.c_str())) {
+    for (const std::string& folder : folders) {
+        DIR* dir = ::opendir(folder.c_str());
+        if (!dir)
+            continue;
         while (const dirent* entry = ::readdir(dir)) {
             std::string file = entry->d_name;
             if (file.size() > suffix.size() &&
@@ -233,8 +260,12 @@ DUNIResult LocateTranslator(const std::string& request, std::string& path, std::
         ::closedir(dir);
     }
     std::sort(found.begin(), found.end());
+    found.erase(std::unique(found.begin(), found.end()), found.end());
+    std::string where;
+    for (const std::string& folder : folders)
+        where += (where.empty() ? "" : " or ") + folder;
     error = "unknown translator '" + wanted + "': no lib" + wanted + suffix + " in " +
-            (folder.empty() ? std::string("the program's folder") : folder);
+            (where.empty() ? std::string("the program's folder") : where);
     if (!found.empty()) {
         error += " (available:";
         for (const std::string& name : found)

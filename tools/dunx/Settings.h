@@ -47,9 +47,16 @@ DUNIResult ResolveOutputUnit(const DUNXOptions& options, DUNIUnitValue& unit, st
 /// The folder of the running program ("" when the system cannot tell).
 std::string ProgramFolder();
 
+/// The folders where translator modules are looked for by name, in order: the
+/// module folder of an installed dunx (DUNX_MODULE_FOLDER, relative to the
+/// program's folder: "../lib/x86_64-linux-gnu/dunx" on Debian), resolved, when
+/// it exists; then the program's own folder, where the build tree and Windows
+/// keep them. Empty when the program's folder is unknown.
+std::vector<std::string> ModuleFolders();
+
 /// Finds the translator module: a path (containing '/', or '\\' on Windows) as
-/// it is, or a name looked for beside the program as lib<name>.so, <name>.so or
-/// <name> (.dll instead of .so on Windows).
+/// it is, or a name looked for in each of ModuleFolders() as lib<name>.so,
+/// <name>.so or <name> (.dll instead of .so on Windows).
 /// `DUNI_E_INVALID_ARGUMENT` with a one-line `error` naming what was tried
 /// and the modules that are there.
 DUNIResult LocateTranslator(const std::string& request, std::string& path, std::string& error);
