@@ -7,7 +7,7 @@
 Makes a private copy of the tree (a git worktree of HEAD with the uncommitted
 changes and the new untracked files, or HEAD alone with --committed), builds it
 once, then for each sampled mutant changes one operator, constant or condition
-in one library source (src/, of the platform layer only the POSIX folder built
+in one library source or private header (src/, of the platform layer only the POSIX folder built
 here), rebuilds incrementally,
 runs the whole test suite and puts the line back. A mutant is killed when the
 build still works and a test fails (or the suite times out); it survives when
@@ -102,8 +102,10 @@ def sites(root, pattern):
     for folder, _, names in os.walk(os.path.join(root, "src")):
         for name in sorted(names):
             path = os.path.relpath(os.path.join(folder, name), root)
-            # Of the platform layer, only the folder built here (POSIX) is mutated.
-            if not name.endswith(".cpp") or ("/platform/" in path and "/posix/" not in path):
+            # The library's own sources and private headers (loops shared by two
+            # sources live in one); of the platform layer, only the folder built
+            # here (POSIX) is mutated.
+            if not name.endswith((".cpp", ".h")) or ("/platform/" in path and "/posix/" not in path):
                 continue
             if not fnmatch.fnmatch(path, pattern):
                 continue
