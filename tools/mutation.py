@@ -2,7 +2,7 @@
 """Mutation pass over the library: do the tests notice a one-token fault?
 
     tools/mutation.py [--count N] [--sample S] [--files GLOB] [--build-dir DIR] [--committed]
-                      [--refresh-tests [PATH ...]] [--ctest] [--list]
+                      [--refresh-tests [PATH ...]] [--ctest] [--sanitize] [--list]
 
 Makes a private copy of the tree (a git worktree of HEAD with the uncommitted
 changes and the new untracked files, or HEAD alone with --committed), builds it
@@ -132,6 +132,10 @@ def main():
                              "into a kept copy first")
     parser.add_argument("--ctest", action="store_true",
                         help="run the suite through CTest, one process per test case (slower)")
+    parser.add_argument("--sanitize", action="store_true",
+                        help="build the copy with clang's address and undefined-behaviour "
+                             "sanitizers, so that a mutant reading or writing outside an array "
+                             "fails the test it runs in")
     parser.add_argument("--list", action="store_true", help="only count the candidate sites")
     args = parser.parse_args()
 
@@ -168,8 +172,14 @@ def main():
     if not candidates:
         return 0
     generator = ["-G", "Ninja"] if shutil.which("ninja") else []
+    sanitizer = []
+    if args.sanitize:
+        flags = "-fsanitize=address,undefined -fno-omit-frame-pointer -fno-sanitize-recover=all"
+        sanitizer = ["-DCMAKE_CXX_COMPILER=clang++", f"-DCMAKE_CXX_FLAGS={flags}",
+                     f"-DCMAKE_EXE_LINKER_FLAGS={flags}", f"-DCMAKE_SHARED_LINKER_FLAGS={flags}"]
     if run(["cmake", "-S", tree, "-B", build, *generator, "-DCMAKE_BUILD_TYPE=Debug",
-            "-DDUNX_BUILD_TOOLS=OFF", "-DCMAKE_LINK_DEPENDS_NO_SHARED=ON"], cwd=tree) != 0 or \
+            "-DDUNX_BUILD_TOOLS=OFF", "-DCMAKE_LINK_DEPENDS_NO_SHARED=ON", *sanitizer],
+           cwd=tree) != 0 or \
             run(["cmake", "--build", build, "-j", "2"], tree) != 0:
         print("the unmutated tree does not build")
         return 1

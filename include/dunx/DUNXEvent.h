@@ -6,8 +6,6 @@
 #include <dunx/DUNXObject.h>
 #include <dunx/DUNXString.h>
 
-#include <memory>
-
 class DUNXOutputStream;
 
 /// Severity of an event; numeric order is the order of severity. A listener
@@ -32,8 +30,10 @@ enum DUNXEventLevel : int {
 class DUNX_EXPORT DUNXEvent : public DUNXObject {
 public:
     /// Copies `name` (a null or empty name leaves the event name null) and
-    /// stores `level`; the event is not time-stamped yet.
-    DUNXEvent(const char* name, DUNXEventLevel level);
+    /// stores `level`; the event is not time-stamped yet. Inline, so that the
+    /// literal names of the events built for every message cost no strlen.
+    DUNXEvent(const char* name, DUNXEventLevel level)
+        : DUNXObject("DUNXEvent"), m_EventName(name), m_Level(level) {}
     /// Copies the event, its name into a buffer of its own.
     DUNXEvent(const DUNXEvent& other);
     /// Frees the event name.
@@ -72,7 +72,7 @@ public:
     static DUNXEventLevel GetLevel(const DUNXString& text, DUNXEventLevel defaultLevel);
 
 private:
-    std::unique_ptr<char[]> m_EventName;
+    OwnedText<kInlineNameLength + 1> m_EventName;
     DUNXEventLevel m_Level;
     bool m_TimeStamped = false;
     long long m_Time = 0;

@@ -6,7 +6,7 @@
 #include <dunx/DUNXExport.h>
 
 #include <cstdarg>
-#include <memory>
+#include <cstddef>
 
 /// An event carrying a message, printf-formatted into a 1,024-byte buffer
 /// (longer text is cut). An empty text leaves the message null.
@@ -15,6 +15,10 @@ public:
     ~DUNXTextEvent() override;
     /// The message, or null when the formatted text was empty.
     const char* GetMessage() const { return m_Message.get(); }
+
+    /// Messages of up to this many bytes are kept inside the event; longer
+    /// ones cost a heap block. Either way the message reads the same.
+    static constexpr std::size_t kInlineMessageLength = 255;
 
 protected:
     /// An event without message.
@@ -28,7 +32,7 @@ protected:
     void WriteMessageLine(DUNXOutputStream* stream, const char* prefix) const;
 
 private:
-    std::unique_ptr<char[]> m_Message;
+    OwnedText<kInlineMessageLength + 1> m_Message;
 };
 
 /// "DUNXErrorEvent", level 80: "Error : " + message + line end; without a

@@ -76,7 +76,7 @@ public:
     static void PrintPointArray(const double (*points)[4], int count);
 
 protected:
-    static void Print(const char* text, bool indent);
+    /// Formats, indents when `indent` is set, drops one ending newline and fires.
     static void VPrint(bool indent, const char* format, va_list args);
 };
 

@@ -2,11 +2,7 @@
 
 #include <dunx/DUNXEventBus.h>
 
-#include "internal/Text.h"
-
 #include <cstring>
-
-using dunx::internal::CopyName;
 
 namespace {
 
@@ -32,11 +28,8 @@ bool sameText(const DUNXString& text, const char* keyword) {
 
 } // namespace
 
-DUNXEvent::DUNXEvent(const char* name, DUNXEventLevel level)
-    : DUNXObject("DUNXEvent"), m_EventName(CopyName(name)), m_Level(level) {}
-
 DUNXEvent::DUNXEvent(const DUNXEvent& other)
-    : DUNXObject(other), m_EventName(CopyName(other.m_EventName.get())), m_Level(other.m_Level),
+    : DUNXObject(other), m_EventName(other.m_EventName), m_Level(other.m_Level),
       m_TimeStamped(other.m_TimeStamped), m_Time(other.m_Time), m_Clock(other.m_Clock) {}
 
 DUNXEvent::~DUNXEvent() = default;
@@ -49,11 +42,12 @@ bool DUNXEvent::IsTimed() const {
 
 void DUNXEvent::SetEventName(const char* name) {
     if (name && *name)
-        m_EventName = CopyName(name);
+        m_EventName.assign(name);
 }
 
 bool DUNXEvent::IsA(const char* name) const {
-    return name && m_EventName && std::strcmp(name, m_EventName.get()) == 0;
+    const char* own = m_EventName.get();
+    return name && own && std::strcmp(name, own) == 0;
 }
 
 DUNIResult DUNXEvent::SetTime(const long long& time) {

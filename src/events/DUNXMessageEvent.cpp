@@ -4,13 +4,10 @@
 #include <dunx/DUNXOutputStream.h>
 
 #include "internal/MessageFormat.h"
-#include "internal/Text.h"
 
 #include <cstring>
-#include <memory>
 
 using dunx::internal::BoundedLength;
-using dunx::internal::CopyName;
 using dunx::internal::FormatMessage;
 using dunx::internal::kMessageBufferSize;
 using dunx::internal::MessageBuffer;
@@ -42,7 +39,7 @@ DUNXTextEvent::DUNXTextEvent(const char* name, DUNXEventLevel level, const char*
 }
 
 DUNXTextEvent::DUNXTextEvent(const DUNXTextEvent& other)
-    : DUNXEvent(other), m_Message(CopyName(other.m_Message.get())) {}
+    : DUNXEvent(other), m_Message(other.m_Message) {}
 
 DUNXTextEvent::~DUNXTextEvent() = default;
 
@@ -53,19 +50,11 @@ void DUNXTextEvent::SetMessage(const char* format, va_list args) {
         const char* text = va_arg(args, const char*);
         if (!text)
             text = "(null)"; // what vsnprintf prints for a null text
-        const std::size_t length = BoundedLength(text, kMessageBufferSize - 1);
-        if (length == 0) {
-            m_Message.reset();
-            return;
-        }
-        m_Message = std::make_unique<char[]>(length + 1);
-        std::memcpy(m_Message.get(), text, length);
-        m_Message[length] = '\0';
+        m_Message.assign(text, BoundedLength(text, kMessageBufferSize - 1));
         return;
     }
     MessageBuffer buffer;
-    FormatMessage(buffer, format, args);
-    m_Message = CopyName(buffer.text); // null when the text is empty
+    m_Message.assign(buffer.text, FormatMessage(buffer, format, args)); // null when empty
 }
 
 void DUNXTextEvent::WriteMessageLine(DUNXOutputStream* stream, const char* prefix) const {
@@ -76,8 +65,8 @@ void DUNXTextEvent::WriteMessageLine(DUNXOutputStream* stream, const char* prefi
         return;
     if (prefix && *prefix)
         stream->write(prefix, static_cast<int>(std::strlen(prefix)));
-    if (m_Message)
-        stream->write(m_Message.get(), static_cast<int>(std::strlen(m_Message.get())));
+    if (const char* message = m_Message.get())
+        stream->write(message, static_cast<int>(m_Message.length()));
     stream->write("\n", 1);
 }
 

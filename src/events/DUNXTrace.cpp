@@ -7,6 +7,7 @@
 #include "internal/MessageFormat.h"
 #include "platform/Platform.h"
 
+#include <algorithm>
 #include <cstring>
 
 using dunx::internal::BoundedLength;
@@ -80,33 +81,23 @@ void DUNXTrace::Printf(DUNXTraceLevel level, const char* format, ...) {
 // --- Static printers -----------------------------------------------------------
 
 template <DUNXChannelKind Kind>
-void DUNXChannelPrinter<Kind>::Print(const char* text, bool indent) {
-    MessageBuffer buffer;
-    int length = 0;
-    if (indent) {
-        const int blanks = _DUNXTraceTab * kBlanksPerTab;
-        length = blanks < kMessageBufferSize - 1 ? blanks : kMessageBufferSize - 1;
-        std::memset(buffer.text, ' ', static_cast<std::size_t>(length));
-    }
-    // At most the room left, and only the bytes of the text: strncpy would
-    // pad the rest of the buffer with zeros on every call.
-    const std::size_t room = static_cast<std::size_t>(kMessageBufferSize - 1 - length);
-    const std::size_t copied = BoundedLength(text, room);
-    std::memcpy(buffer.text + length, text, copied);
-    std::size_t end = static_cast<std::size_t>(length) + copied;
-    if (end > 0 && buffer.text[end - 1] == '\n')
-        --end;
-    buffer.text[end] = '\0';
-    fireText(Kind, buffer.text);
-}
-
-template <DUNXChannelKind Kind>
 void DUNXChannelPrinter<Kind>::VPrint(bool indent, const char* format, va_list args) {
     if (!format)
         return;
+    // The text is formatted straight behind the indentation: the same bytes
+    // as formatting it whole and then copying what fits after the blanks.
     MessageBuffer buffer;
-    FormatMessage(buffer, format, args);
-    Print(buffer.text, indent);
+    std::size_t length = 0;
+    if (indent) {
+        const int blanks = _DUNXTraceTab * kBlanksPerTab;
+        length = static_cast<std::size_t>(std::min(blanks, kMessageBufferSize - 1));
+        std::memset(buffer.text, ' ', length);
+    }
+    length += FormatMessage(buffer.text + length, kMessageBufferSize - length, format, args);
+    if (length > 0 && buffer.text[length - 1] == '\n')
+        --length;
+    buffer.text[length] = '\0';
+    fireText(Kind, buffer.text);
 }
 
 template <DUNXChannelKind Kind> void DUNXChannelPrinter<Kind>::Printf(const char* format, ...) {

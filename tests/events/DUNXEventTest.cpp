@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include <memory>
+#include <string>
 #include <utility>
 
 TEST(DUNXEvent, GetLevelKnowsOnlyTheExactUpperCaseKeywords) { // default: 70, no keyword
@@ -57,4 +58,39 @@ TEST(DUNXEvent, NewEventsAndCopiesStartUncountedAndCopiesOwnTheirNames) {
     original.reset(); // the copy must not share the freed buffers
     EXPECT_STREQ(copy.GetEventName(), "Original");
     EXPECT_STREQ(copy.GetTypeName(), "DUNXEvent");
+}
+
+TEST(DUNXEvent, NamesOfAnyLengthReadBackWholeAndCopiesOwnThem) {
+    // Lengths around the part kept inside the object, and far past it.
+    constexpr std::size_t kept = DUNXObject::kInlineNameLength;
+    for (const std::size_t length : {std::size_t{1}, kept - 1, kept, kept + 1, 5 * kept}) {
+        SCOPED_TRACE(length);
+        const std::string name(length, 'n');
+        auto event = std::make_unique<DUNXEvent>(name.c_str(), DUNXLevelInfo);
+        auto object = std::make_unique<DUNXObject>(name.c_str());
+        const DUNXEvent eventCopy(*event);
+        DUNXEvent renamed(*event);
+        const DUNXObject objectCopy(*object);
+        event.reset(); // the copies must not read the freed originals
+        object.reset();
+        EXPECT_STREQ(eventCopy.GetEventName(), name.c_str());
+        EXPECT_TRUE(eventCopy.IsA(name.c_str()));
+        EXPECT_FALSE(eventCopy.IsA((name + "x").c_str()));
+        EXPECT_STREQ(objectCopy.GetTypeName(), name.c_str());
+        EXPECT_TRUE(objectCopy.IsKindOf(name.c_str()));
+        EXPECT_FALSE(objectCopy.IsKindOf(name.substr(1).c_str()));
+        for (const std::size_t next : {kept + 1, std::size_t{2}, 4 * kept, kept}) {
+            const std::string other(next, 'r');
+            renamed.SetEventName(other.c_str());
+            renamed.SetEventName(renamed.GetEventName()); // its own bytes as the new name
+            EXPECT_STREQ(renamed.GetEventName(), other.c_str());
+        }
+    }
+    for (const char* none : {static_cast<const char*>(nullptr), ""}) {
+        const DUNXEvent unnamed(none, DUNXLevelInfo);
+        const DUNXObject untyped(none);
+        EXPECT_EQ(DUNXEvent(unnamed).GetEventName(), nullptr);
+        EXPECT_EQ(DUNXObject(untyped).GetTypeName(), nullptr);
+        EXPECT_FALSE(untyped.IsKindOf(""));
+    }
 }

@@ -1,7 +1,9 @@
 #include <dunx/DUNXEventBus.h>
 #include <dunx/DUNXFilePath.h>
 #include <dunx/DUNXLogger.h>
+#include <dunx/DUNXMessageEvent.h>
 #include <dunx/DUNXOutputStream.h>
+#include <dunx/DUNXTrace.h>
 
 #include "support/OutputCapture.h"
 #include "support/ScopedEnvironmentVariable.h"
@@ -177,4 +179,21 @@ TEST(DUNXLogFileWrapper, AFullDeviceOrAVanishedFolderLosesOnlyItsOwnText) {
     } // closing them reports nothing either
     EXPECT_STREQ(text->GetText(), "<50><70><80>");
     EXPECT_FALSE(std::filesystem::exists(folder));
+}
+
+TEST(DUNXLogger, WritesEachPrintedLineWholeAtEveryLengthUpToTheCut) {
+    DUNXLogger logger;
+    auto* text = new DUNXStringOutputStream; // the logger's from here on
+    logger.Initialize(text, DUNXLevelInfo);
+    std::string expected;
+    constexpr std::size_t kept = DUNXTextEvent::kInlineMessageLength;
+    for (const std::size_t length : {std::size_t{0}, kept - 12, kept - 11, std::size_t{1500}}) {
+        const std::string body(length, 'b'); // "value 12345 " is 12 bytes long
+        DUNXInfo::Printf("value %d %s", 12345, body.c_str());
+        expected += ("value 12345 " + body).substr(0, 1023) + "\n";
+    }
+    DUNXInfo::Printf("%s", ""); // no text: the line end alone
+    DUNXWarning::Printf("%d%%", -1);
+    EXPECT_EQ(std::string(text->GetText()), expected + "\nWarning : -1%\n");
+    logger.Finalize();
 }

@@ -1,5 +1,6 @@
 #include <dunx/DUNXEventBus.h>
 #include <dunx/DUNXMessageEvent.h>
+#include <dunx/DUNXOutputStream.h>
 #include <dunx/DUNXTrace.h>
 
 #include "support/EventRecorder.h"
@@ -8,8 +9,10 @@
 #include <gtest/gtest.h>
 
 #include <chrono>
+#include <climits>
 #include <cstdio>
 #include <cstdlib>
+#include <memory>
 #include <string>
 #include <thread>
 #include <vector>
@@ -165,4 +168,93 @@ TEST(DUNXTrace, PrintersCutAtTheBufferAndLeaveNothingOfAnEarlierLongerMessage) {
                      "DUNXMessageEvent 50 " + blanks + "short\n",
                      "DUNXMessageEvent 50 " + std::string(1023, 'z') + "\n",
                      "DUNXMessageEvent 50 tail\n"}));
+}
+
+TEST(DUNXMessageEvents, MessagesOfAnyLengthReadBackWholeAndCopiesOwnThem) {
+    // Lengths around the part kept inside the event, around the cut, and past it.
+    constexpr std::size_t kept = DUNXTextEvent::kInlineMessageLength;
+    const char *const plain = "%s", *const bracketed = "<%s>"; // taken as it is / formatted
+    for (const std::size_t length : {std::size_t{1}, kept - 2, kept - 1, kept, kept + 1,
+                                     std::size_t{1021}, std::size_t{1023}, std::size_t{3000}}) {
+        SCOPED_TRACE(length);
+        const std::string text(length, 'm');
+        auto asItIs = std::make_unique<DUNXMessageEvent>(plain, text.c_str());
+        auto formatted = std::make_unique<DUNXMessageEvent>(bracketed, text.c_str());
+        DUNXMessageEvent asItIsCopy(*asItIs), formattedCopy(*formatted);
+        asItIs.reset(); // the copies must not read the freed originals
+        formatted.reset();
+        EXPECT_EQ(std::string(asItIsCopy.GetMessage()), text.substr(0, 1023));
+        EXPECT_EQ(std::string(formattedCopy.GetMessage()), ("<" + text + ">").substr(0, 1023));
+        DUNXStringOutputStream out;
+        formattedCopy.GetFormattedDescription(&out);
+        EXPECT_EQ(std::string(out.GetText()),
+                  "Message : " + ("<" + text + ">").substr(0, 1023) + "\n");
+    }
+}
+
+// What `DUNXWarningEvent(format, args...)` keeps and what vsnprintf writes into
+// a message buffer must be the same bytes, whichever way the event formats them.
+template <class... Args> void expectAsTheCLibrary(const char* format, Args... args) {
+    char expected[1024];
+    std::snprintf(expected, sizeof expected, format, args...);
+    const DUNXWarningEvent event(format, args...);
+    const char* message = event.GetMessage();
+    EXPECT_EQ(std::string(message ? message : ""), std::string(expected))
+        << "format: " << std::string(format).substr(0, 40);
+}
+
+TEST(DUNXMessageEvents, FormatsEveryConversionAsTheCLibraryDoesAndCutsWhereItCuts) {
+    const char* const none = std::getenv("DUNXTestNeverSet"); // null, unknown to the compiler
+    const std::string x1020(1020, 'x'), x1014(1014, 'x'), x1013(1013, 'x'), x1010(1010, 'x'),
+        y100(100, 'y');
+    // The common conversions, at the ends of their ranges.
+    expectAsTheCLibrary("value %d", 0);
+    expectAsTheCLibrary("%d|%d|%d|%d|%i", 7, -7, 99, -100, 12345);
+    expectAsTheCLibrary("%d %d %i", INT_MIN, INT_MAX, INT_MIN);
+    expectAsTheCLibrary("%u %u %u", 0u, 10u, UINT_MAX);
+    for (unsigned long power = 1; power <= ULONG_MAX / 10; power *= 10) // every count of digits
+        expectAsTheCLibrary("%lu %lu %ld %d", power - 1, power, -static_cast<long>(power),
+                            static_cast<int>(power));
+    expectAsTheCLibrary("%ld %ld %li %lu %lu", LONG_MIN, LONG_MAX, -1L, ULONG_MAX, 0UL);
+    expectAsTheCLibrary("[%s] [%s] [%s]", "text", "", none);
+    expectAsTheCLibrary("%c%c%c", 'a', 200, '-');
+    expectAsTheCLibrary("%c%c", 'a', 0); // a zero byte ends the text
+    expectAsTheCLibrary("100%% of %d%%", 3);
+    // Anything else goes whole to the C library, also after common conversions.
+    expectAsTheCLibrary("%d %5d|%-3s|%.2s", 1, 2, "a", "abc");
+    expectAsTheCLibrary("%d %x %o %X", 1, 255, 8, 0xabc);
+    expectAsTheCLibrary("%lld %llu %zu %hd", -5LL, 5ULL, std::size_t{9}, 70000);
+    expectAsTheCLibrary("%d %.3f %e %g %p", 1, 0.5, 1e10, 2.5, static_cast<void*>(nullptr));
+    expectAsTheCLibrary("%+d % d %05d %#x", 4, 4, 4, 4);
+    // The 1,023-byte cut inside a number, inside a text and inside the format's own text.
+    expectAsTheCLibrary("%s%d", x1020.c_str(), INT_MIN);
+    expectAsTheCLibrary("%s%ld|%lu", x1010.c_str(), LONG_MIN, ULONG_MAX);
+    expectAsTheCLibrary("%s%u", x1020.c_str(), UINT_MAX);
+    expectAsTheCLibrary("%s%d%s", x1013.c_str(), INT_MAX, "tail"); // the number just fits
+    expectAsTheCLibrary("%s%d%s", x1014.c_str(), INT_MAX, "tail"); // one byte short
+    expectAsTheCLibrary("%s%s%d", x1010.c_str(), y100.c_str(), 5);
+    expectAsTheCLibrary("%s%c%c", x1020.c_str(), 'a', 'b');
+    expectAsTheCLibrary("%s%%%%%%%%", x1020.c_str());
+    expectAsTheCLibrary((x1020 + "%d").c_str(), 123456);
+    expectAsTheCLibrary((x1020 + "%s").c_str(), none);
+    expectAsTheCLibrary((std::string(2000, 'f') + "%d").c_str(), 1);
+}
+
+TEST(DUNXTrace, PrintersCutAfterTheIndentationInsideANumberAndDropANewlineOnlyBeforeTheEnd) {
+    dunx::test::EventRecorder recorder;
+    DUNXInfo::Tab(); // four blanks leave room for 1019 bytes of text
+    const std::string x1012(1012, 'x');
+    DUNXInfo::Printf("%s%d\n", x1012.c_str(), INT_MIN);
+    DUNXInfo::Printf("%s%lu\n", x1012.c_str(), ULONG_MAX);
+    DUNXInfo::Untab();
+    DUNXInfo::Printf("abc\n%c", 0); // the zero byte ends the text after its newline
+    DUNXInfo::Printf("abc%c\n", 0); // and before this one
+    DUNXInfo::Printf("%s\n", std::string().c_str()); // nothing left: the line end only
+    char number[32];
+    std::snprintf(number, sizeof number, "%lu", ULONG_MAX);
+    EXPECT_EQ(summary(recorder),
+              (Lines{"DUNXMessageEvent 50     " + x1012 + "-214748\n",
+                     "DUNXMessageEvent 50     " + x1012 + std::string(number).substr(0, 7) + "\n",
+                     "DUNXMessageEvent 50 abc\n", "DUNXMessageEvent 50 abc\n",
+                     "DUNXMessageEvent 50 \n"}));
 }
