@@ -134,9 +134,10 @@ TEST(DUNXTrace, ShortFormatsAndANullTextArgumentPrintAsTheCLibraryPrintsThem) {
     EXPECT_STREQ(DUNXWarningEvent("%d", 42).GetMessage(), "42");
     const char* const none = std::getenv("DUNXTestNeverSet"); // null, unknown to the compiler
     DUNXInfo::Printf("[%s]", none);
+    DUNXInfo::NoTabPrintf("\n"); // a text that is only its newline prints as an empty one
     char expected[32];
     std::snprintf(expected, sizeof expected, "[%s]", none);
-    EXPECT_EQ(recorder.texts(), std::string(expected) + "\n");
+    EXPECT_EQ(recorder.texts(), std::string(expected) + "\n\n");
 }
 
 TEST(DUNXString, DumpPrintsOneDebugLine) {
