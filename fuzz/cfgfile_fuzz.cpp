@@ -12,12 +12,19 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     const std::string key = input.text(16);
     const std::string section = input.text(16);
     const std::string text = input.rest();
-    std::FILE* file = fmemopen(const_cast<char*>(text.data()), text.size() ? text.size() : 1, "r");
-    if (!file)
-        return 0;
+    auto load = [&text](DUNXCfgFile& into) {
+        std::FILE* file =
+            fmemopen(const_cast<char*>(text.data()), text.size() ? text.size() : 1, "r");
+        if (!file)
+            return false;
+        into.Load(file);
+        std::fclose(file);
+        return true;
+    };
     DUNXCfgFile config;
-    config.Load(file);
-    std::fclose(file);
+    if (!load(config))
+        return 0;
+    const int loadErrors = config.GetErrorCount(); // the typed getters below may add more
     for (int i = 0; i < config.GetErrorCount(); ++i)
         if (!config.GetErrorMessage(i))
             std::abort();
@@ -43,5 +50,36 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
             if (DUNXCfgFileKey* entry = each->GetKey(row))
                 entry->GetAllValues();
     }
+    // A second load into the same object adds the same keys again after the
+    // first ones, and text copied out of it outlives it.
+    DUNXString copied;
+    std::string copiedText;
+    {
+        DUNXCfgFile twice;
+        if (!load(twice) || !load(twice))
+            return 0;
+        if (twice.GetSectionCount() != config.GetSectionCount() ||
+            twice.GetErrorCount() != 2 * loadErrors)
+            std::abort();
+        for (int i = 0; i < config.GetSectionCount(); ++i) {
+            const DUNXCfgFileSection* once = config.GetSectionAt(i);
+            const DUNXCfgFileSection* both = twice.GetSectionAt(i);
+            const int rows = once->GetRowCount();
+            if (both->GetRowCount() != 2 * rows)
+                std::abort();
+            for (int row = 0; row < rows; ++row) {
+                const DUNXCfgFileKey* first = both->GetKey(row);
+                const DUNXCfgFileKey* again = both->GetKey(rows + row);
+                if (!first->GetName().equals(again->GetName()) ||
+                    !first->GetAllValues().equals(again->GetAllValues()) ||
+                    !first->GetName().equals(once->GetKey(row)->GetName()))
+                    std::abort();
+                copied = *first->GetValue(first->GetNumValues() - 1);
+                copiedText = copied.ToUtf8();
+            }
+        }
+    }
+    if (copied.ToUtf8() != copiedText)
+        std::abort();
     return 0;
 }

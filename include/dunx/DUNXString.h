@@ -6,6 +6,10 @@
 #include <memory>
 #include <string>
 
+namespace dunx::internal {
+class BorrowedUnits;
+}
+
 /// An immutable sequence of 16-bit character units with a narrow (multibyte)
 /// rendering in the current C locale, made on first request and kept.
 ///
@@ -195,6 +199,12 @@ public:
     std::string ToUtf8() const;
 
 private:
+    // Library code that keeps units alive for longer than every string made
+    // over them (the configuration file's text) makes such strings through
+    // this friend, as the word constants are made over static units. Copies of
+    // them own their units; they are never handed out to be moved from.
+    friend class dunx::internal::BorrowedUnits;
+
     struct StaticText {};
     // Word constants point at static units; nothing to allocate or free.
     constexpr DUNXString(const unsigned short* staticUnits, int length, StaticText)

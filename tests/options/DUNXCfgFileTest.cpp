@@ -1,11 +1,15 @@
 #include <dunx/DUNXCfgFile.h>
 
+#include "support/ScopedLocale.h"
+
 #include <gtest/gtest.h>
 
 #include <cstdio>
+#include <cstring>
 #include <random>
 #include <sstream>
 #include <string>
+#include <vector>
 
 namespace {
 
@@ -40,6 +44,42 @@ std::string dump(const DUNXCfgFile& cfg) {
 std::string fault(long line, const std::string& text) {
     return "\nIncorrect syntax: line " + std::to_string(line) + ":" + text +
            (text[0] == '[' ? " *** \"[section name]' expected." : " *** \"key=value\" expected");
+}
+
+// What a file of letters, '=', ',', 0 bytes and line feeds holds, worked out from the lines
+// that fgets into a 1,024-byte buffer gives: in the dump's form, for the unnamed section only.
+std::string expectedDump(const std::string& bytes) {
+    std::FILE* file = std::tmpfile();
+    std::fwrite(bytes.data(), 1, bytes.size(), file);
+    std::rewind(file);
+    std::string keys = "[]", faults;
+    char buffer[1024];
+    for (long number = 1; std::fgets(buffer, sizeof buffer, file); ++number) {
+        std::string line(buffer); // up to the first 0 byte
+        if (!line.empty() && line.back() == '\n')
+            line.pop_back();
+        const std::size_t separator = line.find('=');
+        if (line.empty())
+            continue;
+        if (separator == std::string::npos || separator == 0 || separator + 1 == line.size()) {
+            faults += ("\n" + fault(number, line).substr(1)).substr(0, 1024);
+            continue;
+        }
+        keys += line.substr(0, separator) + "=";
+        std::istringstream values(line.substr(separator + 1) + ",");
+        for (std::string value; std::getline(values, value, ',');)
+            keys += value + "|";
+    }
+    std::fclose(file);
+    return keys + faults;
+}
+
+// `length` bytes of letters, '=', ',' and now and then a 0 byte, then a line feed.
+std::string randomLine(std::mt19937& generator, std::size_t length) {
+    std::string line(length, 'a');
+    for (char& c : line)
+        c = "abc=,abcdefgh=abcdefg\0"[generator() % 22];
+    return line + "\n";
 }
 
 } // namespace
@@ -166,4 +206,157 @@ TEST(DUNXCfgFile, ManySectionsKeepFileOrderAndARepeatedNameGathersItsKeys) {
     EXPECT_EQ(cfg.GetSection("s5"), nullptr); // names are case-sensitive
     EXPECT_TRUE(cfg.ExistKey("last", "S5") && cfg.ExistKey("k5", "S35") &&
                 !cfg.ExistKey("k5", "S5"));
+}
+
+TEST(DUNXCfgFile, LinesOfAroundAThousandCharactersSplitAsFgetsSplitsThem) {
+    // A line of 1,022 characters and its line feed fill one piece; at 1,023 the line feed
+    // is a piece (an empty line) of its own; at 1,024 the last character is. The same
+    // without a final line feed, where the end of the file ends the piece.
+    struct Row {
+        std::size_t length;
+        const char* end;
+        std::string expected;
+    };
+    const std::string v(1020, 'v');
+    const Row rows[] = {
+        {1022, "\nbad\n", "[]k=" + v + "|" + fault(2, "bad")},
+        {1023, "\nbad\n", "[]k=" + v + "v|" + fault(3, "bad")},
+        {1024, "\nbad\n", "[]k=" + v + "v|" + fault(2, "v") + fault(3, "bad")},
+        {1022, "", "[]k=" + v + "|"},
+        {1023, "", "[]k=" + v + "v|"},
+        {1024, "", "[]k=" + v + "v|" + fault(2, "v")},
+    };
+    for (const Row& row : rows) {
+        const std::string text = "k=" + std::string(row.length - 2, 'v') + row.end;
+        DUNXCfgFile cfg;
+        load(cfg, text);
+        EXPECT_EQ(dump(cfg), row.expected) << row.length << (*row.end ? " with" : " without");
+        EXPECT_EQ(dump(cfg), expectedDump(text));
+    }
+}
+
+TEST(DUNXCfgFile, LongLinesAcrossTheReadBlocksSplitAsFgetsSplitsThem) {
+    // The loader reads 64 KiB at a time: long lines are put so that a block ends at or near
+    // the start of a line, a line feed, and each 1,023-character piece, and a file ends
+    // with and without a line feed. Random lines cross the later block ends anywhere.
+    std::mt19937 generator(7u);
+    const std::size_t block = 64 * 1024;
+    for (const std::size_t before : {0, 1, 2, 1021, 1022, 1023, 1024, 1025, 2045, 2046, 2047}) {
+        std::string text;
+        while (text.size() + 1100 < block - before)
+            text += randomLine(generator, 1 + generator() % 1000);
+        text += randomLine(generator, block - before - text.size() - 1);
+        for (const std::size_t length : {3070, 2046, 1023, 1022, 0, 1024, 3069})
+            text += randomLine(generator, length);
+        while (text.size() < 3 * block)
+            text += randomLine(generator,
+                               generator() % 2 ? 1021 + generator() % 5 : generator() % 3100);
+        for (const bool lineFeedAtEnd : {true, false}) {
+            if (!lineFeedAtEnd)
+                text += randomLine(generator, 1500 + before).substr(0, 1500 + before);
+            DUNXCfgFile cfg;
+            load(cfg, text);
+            ASSERT_EQ(dump(cfg), expectedDump(text)) << before << " " << lineFeedAtEnd;
+        }
+    }
+}
+
+TEST(DUNXCfgFile, ZeroByteEndsTheTextOfItsLine) {
+    using namespace std::string_literals;
+    DUNXCfgFile cfg;
+    EXPECT_EQ(load(cfg, "k=a\0b,c\n\0k=v\nk\0=v\n#\0\nlast=1,\0\n"s), DUNI_E_FAIL);
+    EXPECT_EQ(dump(cfg), "[]k=a|last=1||" + fault(3, "k"));
+}
+
+TEST(DUNXCfgFile, NonAsciiTextIsConvertedAsTheLocaleConvertsAnyText) {
+    // Keys and values are what DUNXString makes of their bytes in the current locale:
+    // characters in C.UTF-8, one unit per byte in "C" (and for invalid UTF-8).
+    for (const char* locale : {"C.UTF-8", "C"}) {
+        dunx::test::ScopedLocale scoped(locale);
+        if (!scoped.isSet())
+            continue;
+        SCOPED_TRACE(locale);
+        DUNXCfgFile cfg;
+        ASSERT_EQ(load(cfg, "[Se\xC3\xA7\xC3\xA3o]\ncl\xC3\xA9 = na\xC3\xAFve, plain,\xFF\xFE,"
+                            "\xE2\x82\xAC \xF0\x9F\x98\x80\nplain=caf\xC3\xA9\n"),
+                  DUNI_S_SUCCESS);
+        const DUNXCfgFileSection* section = cfg.GetSection("Se\xC3\xA7\xC3\xA3o");
+        ASSERT_NE(section, nullptr);
+        const DUNXCfgFileKey* key = section->findKey("cl\xC3\xA9");
+        ASSERT_NE(key, nullptr);
+        EXPECT_TRUE(key->GetName().equals(DUNXString("cl\xC3\xA9")));
+        const char* values[] = {"na\xC3\xAFve", " plain", "\xFF\xFE",
+                                "\xE2\x82\xAC \xF0\x9F\x98\x80"};
+        ASSERT_EQ(key->GetNumValues(), 4);
+        for (int i = 0; i < 4; ++i)
+            EXPECT_TRUE(key->GetValue(i)->equals(DUNXString(values[i]))) << i;
+        DUNXString text;
+        EXPECT_TRUE(cfg.GetString("plain", text, 0, "Se\xC3\xA7\xC3\xA3o"));
+        EXPECT_TRUE(text.equals(DUNXString("caf\xC3\xA9")));
+        EXPECT_STREQ(static_cast<const char*>(text), "caf\xC3\xA9");
+    }
+}
+
+TEST(DUNXCfgFile, TextCopiedOutOutlivesTheFile) {
+    DUNXString value("earlier"), name;
+    const char* narrow = value; // a target holding a narrow rendering takes the source's
+    ASSERT_STREQ(narrow, "earlier");
+    std::vector<DUNXCfgFileKey> keys;
+    {
+        DUNXCfgFile cfg;
+        ASSERT_EQ(load(cfg, "k = first, second\nk2=x\n"), DUNI_S_SUCCESS);
+        EXPECT_STREQ(static_cast<const char*>(*cfg.GetSection("")->GetKey(0)->GetValue(1)),
+                     " second");
+        ASSERT_TRUE(cfg.GetString("k", value, 1));
+        name = cfg.GetSection("")->GetKey(0)->GetName();
+        keys.push_back(*cfg.GetSection("")->GetKey(0));
+        keys.push_back(*cfg.GetSection("")->GetKey(1));
+    }
+    keys.push_back(keys[0]); // the vector moves its keys: each copy owns its text
+    EXPECT_STREQ(static_cast<const char*>(value), " second");
+    EXPECT_STREQ(static_cast<const char*>(name), "k");
+    for (const DUNXCfgFileKey& key : {keys[0], keys[2]}) {
+        EXPECT_STREQ(static_cast<const char*>(key.GetName()), "k");
+        EXPECT_STREQ(static_cast<const char*>(key.GetAllValues()), "first, second");
+    }
+    EXPECT_STREQ(static_cast<const char*>(*keys[1].GetValue(0)), "x");
+}
+
+TEST(DUNXCfgFile, PointersHandedOutStayValidThroughAppendsAndLaterLoads) {
+    DUNXCfgFile cfg;
+    ASSERT_EQ(load(cfg, "top=0\n[S]\nk0=v0,w0\nk1=v1\n"), DUNI_S_SUCCESS);
+    DUNXCfgFileSection* top = cfg.GetSection("");
+    DUNXCfgFileSection* section = cfg.GetSection("S");
+    const DUNXCfgFileKey* first = section->GetKey(0);
+    const DUNXString* value = first->GetValue(0);
+    // Appended keys and a second load add to the same sections, after what is there.
+    for (int i = 2; i < 100; ++i)
+        section->AppendKey(DUNXString(16, "k%d", i))
+            ->AppendValue(("v" + std::to_string(i)).c_str());
+    std::string more = "[S]\n";
+    for (int i = 100; i < 1000; ++i)
+        more += "k" + std::to_string(i) + "=v" + std::to_string(i) + "\n";
+    ASSERT_EQ(load(cfg, more + "[T]\n[]\nagain=1\n"), DUNI_S_SUCCESS);
+    EXPECT_EQ(cfg.GetSection(""), top);
+    EXPECT_EQ(cfg.GetSection("S"), section);
+    EXPECT_EQ(section->GetKey(0), first);
+    EXPECT_EQ(first->GetValue(0), value);
+    EXPECT_STREQ(static_cast<const char*>(*value), "v0");
+    EXPECT_EQ(std::string(cfg.GetSectionAt(2)->GetName()) + top->GetKey(1)->GetName().ToUtf8(),
+              "Tagain");
+    ASSERT_EQ(section->GetRowCount(), 1000);
+    for (int i = 0; i < 1000; ++i) {
+        const std::string name = "k" + std::to_string(i);
+        const DUNXCfgFileKey* key = section->GetKey(i);
+        ASSERT_EQ(key->GetName().ToUtf8(), name);
+        ASSERT_EQ(section->findKey(name.c_str()), key);
+        ASSERT_EQ(key->GetValue(0)->ToUtf8(), "v" + std::to_string(i));
+    }
+    EXPECT_EQ(section->GetKey(1000), nullptr);
+    // A section or key of one's own holds keys and values as well.
+    DUNXCfgFileSection own("own");
+    DUNXCfgFileKey* key = own.AppendKey("a");
+    key->AppendValue(nullptr);
+    key->AppendValue("b");
+    EXPECT_STREQ(static_cast<const char*>(own.findKey("a")->GetAllValues()), ",b");
 }
