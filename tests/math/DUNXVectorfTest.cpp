@@ -2,6 +2,8 @@
 
 #include "MathTestSupport.h"
 
+#include <cmath>
+
 using namespace dunx::test;
 
 using V = DUNXVectorf;
@@ -30,6 +32,14 @@ TEST(DUNXPointf, DistancesBoundsAndMixedOperators) {
                 CASE(V(a, b), 3, -4, 12), CASE(a + V(1, 1, 1), 2, 3, 4),
                 CASE(a - V(1, 1, 1), 0, 1, 2), CASE(V(0, 0, 1) + a, 1, 2, 4),
                 CASE(DUNXPointOf, 0, 0, 0));
+    // A tie keeps the point's own coordinate, as the sign of a zero shows.
+    P zero(0, 0, 0), negativeZero(-0.0f, -0.0f, -0.0f);
+    zero.GetMinimum(negativeZero);
+    negativeZero.GetMaximum(P(0, 0, 0));
+    for (float c : {zero.x, zero.y, zero.z})
+        EXPECT_FALSE(std::signbit(c));
+    for (float c : {negativeZero.x, negativeZero.y, negativeZero.z})
+        EXPECT_TRUE(std::signbit(c));
 }
 
 TEST(DUNXVectorf, ArithmeticProductsAndAccessors) {
