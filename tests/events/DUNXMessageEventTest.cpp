@@ -5,6 +5,8 @@
 
 #include "support/EventRecorder.h"
 #include "support/ScopedEnvironmentVariable.h"
+#include "support/ScopedLocale.h"
+#include "support/TestSystem.h"
 
 #include <gtest/gtest.h>
 
@@ -57,6 +59,16 @@ TEST(DUNXMessageEvents, EventsCarryTheirNamesLevelsAndTextsAndErrorPrintfReadsIt
                      "DUNXErrorEvent 80 Error Description : open\n", "DUNXErrorEvent 80 ",
                      "DUNXMessageEvent 50 Message : " + std::string(1023, 'x') + "\n",
                      "DUNXErrorEvent 80 Error : 50% done %s %n %d\n"}));
+}
+
+TEST(DUNXMessageEvents, AFormatTheCLibraryFailsOnGivesAnEmptyText) {
+    if (dunx::test::kWindows)
+        GTEST_SKIP() << "Windows' C library writes what it can of a wide text instead of failing";
+    dunx::test::ScopedLocale c("C"); // glibc cannot write a wide é in the C locale at all
+    dunx::test::EventRecorder recorder;
+    DUNXError::Printf("[%ls]", L"\u00e9");
+    DUNXWarningEvent::Fire("[%ls]", L"\u00e9");
+    EXPECT_EQ(summary(recorder), (Lines{"DUNXErrorEvent 80 ", "DUNXWarningEvent 50 Warning : \n"}));
 }
 
 TEST(DUNXErrorTracker, KeepsCopiesOfTheErrorsFiredFromInitialiseToDestruction) {

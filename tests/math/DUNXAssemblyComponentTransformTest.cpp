@@ -74,6 +74,8 @@ TEST(DUNXAssemblyComponentTransform, ConvertsBetweenLayouts) {
         noisy[i] = columns[i] + (i % 4 == 3 ? 99.0f : 0.0f);
     u.Set4x4ByColumn(noisy);
     u.Get(twelve);
+    const float sevens[12] = {7, 0, 0, 0, 0, 7, 0, 0, 0, 0, 7, 0};
+    v.Set3x4ByRow(sevens); // something else first: Set must write every element
     v.Set(twelve);
     v.Get(back);
     expectCases(CASE(join(t.GetRotationElement(0, 1), t.GetRotationElement(2, 0)), 2, 9),

@@ -85,9 +85,13 @@ TEST(DUNXMath3x3Matrixf, MeasuresColumnsAndElements) {
     columns.SetSecondColumn(V(4, 5, 6));
     columns.SetThirdColumn(V(7, 8, 9));
     changed.SetCoef(1, 2, 5);
+    M3 first, second; // each setter voids the kind by itself
+    first.SetFirstColumn(V(1, 0, 0));
+    second.SetSecondColumn(V(0, 1, 0));
     // A changed element or column voids the kind.
     expectCases(CASE(join(elements(columns), columns.GetKind()), 1, 4, 7, 2, 5, 8, 3, 6, 9, 0),
-                CASE(join(changed.GetCoef(1, 2), changed.GetKind()), 5, 0));
+                CASE(join(changed.GetCoef(1, 2), changed.GetKind()), 5, 0),
+                CASE(join(first.GetKind(), second.GetKind()), 0, 0));
 }
 
 TEST(DUNXMath3x3Matrixf, VectorConstructorsAndOperators) {

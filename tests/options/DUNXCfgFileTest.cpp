@@ -141,10 +141,12 @@ TEST(DUNXCfgFile, GarbageLoadsWithoutCrashing) {
 TEST(DUNXCfgFile, TypedGettersTakeExactTextsAndRecordWhatTheyRefuse) {
     // "text|bool|logical|int|double;": what each getter reads from the text, "-" when it refuses.
     // Missing values, keys and sections answer false without a message.
-    std::istringstream rows("true|1|-|-|-;false|0|-|-|-;TRUE|-|1|-|-;FALSE|-|0|-|-; true|-|-|-|-;"
-                            "1|-|1|1|1;0|-|0|0|0;2|-|-|2|2;-7|-|-|-7|-7; 12 |-|-|12|12;"
-                            "1.5|-|-|-|1.5;-2.5e3|-|-|-|-2500;2147483648|-|-|-|2.14748e+09;"
-                            "0x10|-|-|-|-;12abc|-|-|-|-;inf|-|-|-|-;1e|-|-|-|-;|-|-|-|-");
+    std::istringstream rows(
+        "true|1|-|-|-;false|0|-|-|-;TRUE|-|1|-|-;FALSE|-|0|-|-; true|-|-|-|-;"
+        "1|-|1|1|1;0|-|0|0|0;2|-|-|2|2;-7|-|-|-7|-7; 12 |-|-|12|12;"
+        "1.5|-|-|-|1.5;-2.5e3|-|-|-|-2500;2147483648|-|-|-|2.14748e+09;"
+        "0x10|-|-|-|-;12abc|-|-|-|-;inf|-|-|-|-;1e|-|-|-|-;+5|-|-|5|5;+2.5|-|-|-|2.5;"
+        "+-5|-|-|-|-;|-|-|-|-");
     const std::string refusals[] = {
         "bool value \"true\" or \"false\" expected.",
         "integer \"0\" or \"1\" or string \"TRUE\" or \"FALSE\" expected.",

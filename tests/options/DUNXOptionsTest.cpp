@@ -70,6 +70,11 @@ TEST(DUNXOptions, ExactPathWinsAndWildcardAnswersWhereItLeadsNowhere) {
     EXPECT_EQ(answer(set, stem + "u"), "2");
     EXPECT_TRUE(set.HasOption(DUNXOption(DUNXOptionName(deep.c_str()), 1)));
     EXPECT_EQ(long(set.AddOption(DUNXOption())), DUNI_E_NO_VALUE);
+    const DUNXOption byAddress(DUNXOptionName("Given.By.Address"), 3);
+    EXPECT_EQ(long(set.AddOption(static_cast<const DUNXOption*>(nullptr))),
+              DUNI_E_INVALID_ARGUMENT);
+    EXPECT_EQ(long(set.AddOption(&byAddress)), 0);
+    EXPECT_EQ(answer(set, "Given.By.Address"), "3");
 }
 
 TEST(DUNXOptions, FileKeysOfTheUnnamedSectionAreTypedFromTheirText) {

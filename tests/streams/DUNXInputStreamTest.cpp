@@ -7,6 +7,12 @@
 
 #include <string>
 
+#ifndef _WIN32
+#include <thread>
+
+#include <unistd.h>
+#endif
+
 namespace {
 
 // Binary content that a text-mode or C-string reader would damage.
@@ -34,6 +40,34 @@ TEST(DUNXMemoryInputStream, DeliversPartialReadsAndReadsBadInputAsEmpty) {
     EXPECT_EQ(in.GetRemaining(), 4);
     EXPECT_EQ(readAll(in), "defg");
     EXPECT_EQ(readAll(nullData) + readAll(negative), "");
+}
+
+TEST(DUNXFileInputStream, AReadInterruptedBeforeAnyByteCameWaitsAgain) {
+#ifdef _WIN32
+    GTEST_SKIP() << "POSIX signals interrupt a waiting read; Windows has none of them";
+#else
+    int ends[2];
+    ASSERT_EQ(::pipe(ends), 0);
+    // The writer is slower than the alarms: most reads wait, and are interrupted, before
+    // anything arrives.
+    std::thread writer = dunx::test::ThreadWithoutAlarms([fd = ends[1]] {
+        for (int i = 0; i < 40; ++i) {
+            ::usleep(2000);
+            const char piece[] = {static_cast<char>('a' + i % 26)};
+            if (::write(fd, piece, 1) != 1)
+                break;
+        }
+        ::close(fd);
+    });
+    std::string received;
+    {
+        dunx::test::ScopedAlarms alarms(300);
+        received = readAll(DUNXFileInputStream(ends[0]));
+    }
+    writer.join();
+    ::close(ends[0]);
+    EXPECT_EQ(received, "abcdefghijklmnopqrstuvwxyzabcdefghijklmn");
+#endif
 }
 
 TEST(DUNXFileInputStream, ReadsByPathOrBorrowedFileOrDescriptorAndReturnsFaults) {

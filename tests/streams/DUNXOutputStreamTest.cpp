@@ -13,11 +13,8 @@
 #include <fcntl.h>
 
 #ifndef _WIN32
-#include <csignal>
 #include <thread>
 
-#include <pthread.h>
-#include <sys/time.h>
 #include <unistd.h>
 #endif
 
@@ -121,28 +118,17 @@ TEST(DUNXFileOutputStream, AWriteCutShortBySignalsGoesOnFromWhereItStopped) {
     std::string bytes(1 << 20, '\0'); // far more than a pipe holds: the write waits for room
     for (std::size_t i = 0; i < bytes.size(); ++i)
         bytes[i] = static_cast<char>(i % 251);
-    // A handler without SA_RESTART: an alarm arriving while the write waits
-    // ends it early with the bytes that went through so far.
-    struct sigaction quiet = {}, previous = {};
-    quiet.sa_handler = [](int) {};
-    sigemptyset(&quiet.sa_mask);
-    ASSERT_EQ(::sigaction(SIGALRM, &quiet, &previous), 0);
-    sigset_t alarm, mask;
-    sigemptyset(&alarm);
-    sigaddset(&alarm, SIGALRM);
-    ::pthread_sigmask(SIG_BLOCK, &alarm, &mask); // the reader inherits the block
     std::string received;
-    std::thread reader([&received, fd = ends[0]] {
+    std::thread reader = dunx::test::ThreadWithoutAlarms([&received, fd = ends[0]] {
         char buffer[4096];
         for (ssize_t n; (n = ::read(fd, buffer, sizeof buffer)) > 0; ::usleep(20))
             received.append(buffer, static_cast<std::size_t>(n));
     });
-    ::pthread_sigmask(SIG_SETMASK, &mask, nullptr);
-    const itimerval every = {{0, 500}, {0, 500}}, stop = {};
-    ::setitimer(ITIMER_REAL, &every, nullptr);
-    const int written = writeText(DUNXFileOutputStream(ends[1]), bytes);
-    ::setitimer(ITIMER_REAL, &stop, nullptr);
-    ::sigaction(SIGALRM, &previous, nullptr);
+    int written;
+    {
+        dunx::test::ScopedAlarms alarms(500);
+        written = writeText(DUNXFileOutputStream(ends[1]), bytes);
+    }
     ::close(ends[1]);
     reader.join();
     ::close(ends[0]);

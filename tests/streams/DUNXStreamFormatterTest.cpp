@@ -58,8 +58,8 @@ TEST_F(DUNXStreamFormatterTest, PrintsEachTypeWithItsFormatAndRefusesUnfitFormat
 
 TEST_F(DUNXStreamFormatterTest, TrimsTrailingZerosInModeOneAndPassesThePrecisionAsTheStar) {
     out.setTrailingZeroMode(1);
-    out << 2.5 << ' ' << 3.0 << ' ' << -0.25 << ' ' << 100.0;
-    EXPECT_EQ(printed(), "2.5 3 -0.25 100");
+    out << 2.5 << ' ' << 3.0 << ' ' << -0.25 << ' ' << 100.0 << ' ' << 9.5 << ' ' << 90.0;
+    EXPECT_EQ(printed(), "2.5 3 -0.25 100 9.5 90");
     for (const auto& [format, value, expected] :
          {std::make_tuple("%.3e", 1500.0, "1.500e+03"), std::make_tuple("%g", 100000.0, "100000"),
           std::make_tuple("[%.2f]", 2.5, "[2.5]"), std::make_tuple("v.%.0f", 10.0, "v.10")}) {

@@ -13,6 +13,11 @@
 #include <io.h>
 #include <sys/utime.h>
 #else
+#include <csignal>
+#include <thread>
+#include <utility>
+
+#include <pthread.h>
 #include <sys/stat.h>
 #include <sys/time.h>
 #include <unistd.h>
@@ -121,5 +126,44 @@ inline long ReadAt(int fd, char* data, std::size_t size, long long offset) {
     return static_cast<long>(::pread(fd, data, size, static_cast<off_t>(offset)));
 #endif
 }
+
+#ifndef _WIN32
+/// While it lives, SIGALRM arrives every `microseconds` with a handler that does nothing and
+/// without SA_RESTART, so that a read or write waiting in the test's thread ends early: with
+/// EINTR before any byte moved, with a short count after. POSIX only.
+class ScopedAlarms {
+public:
+    explicit ScopedAlarms(long microseconds) {
+        struct sigaction quiet = {};
+        quiet.sa_handler = [](int) {};
+        sigemptyset(&quiet.sa_mask);
+        ::sigaction(SIGALRM, &quiet, &m_Previous);
+        const itimerval every = {{0, microseconds}, {0, microseconds}};
+        ::setitimer(ITIMER_REAL, &every, nullptr);
+    }
+    ~ScopedAlarms() {
+        const itimerval stop = {};
+        ::setitimer(ITIMER_REAL, &stop, nullptr);
+        ::sigaction(SIGALRM, &m_Previous, nullptr);
+    }
+    ScopedAlarms(const ScopedAlarms&) = delete;
+    ScopedAlarms& operator=(const ScopedAlarms&) = delete;
+
+private:
+    struct sigaction m_Previous = {};
+};
+
+/// Runs `work` on a thread of its own that never receives SIGALRM, so that the alarms of a
+/// ScopedAlarms reach the test's thread alone.
+template <class Work> std::thread ThreadWithoutAlarms(Work work) {
+    sigset_t alarm, mask;
+    sigemptyset(&alarm);
+    sigaddset(&alarm, SIGALRM);
+    ::pthread_sigmask(SIG_BLOCK, &alarm, &mask); // the new thread inherits the block
+    std::thread thread(std::move(work));
+    ::pthread_sigmask(SIG_SETMASK, &mask, nullptr);
+    return thread;
+}
+#endif
 
 } // namespace dunx::test
