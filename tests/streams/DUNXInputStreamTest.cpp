@@ -52,7 +52,7 @@ TEST(DUNXFileInputStream, AReadInterruptedBeforeAnyByteCameWaitsAgain) {
     // anything arrives.
     std::thread writer = dunx::test::ThreadWithoutAlarms([fd = ends[1]] {
         for (int i = 0; i < 40; ++i) {
-            ::usleep(2000);
+            ::usleep(8000);
             const char piece[] = {static_cast<char>('a' + i % 26)};
             if (::write(fd, piece, 1) != 1)
                 break;
@@ -61,7 +61,7 @@ TEST(DUNXFileInputStream, AReadInterruptedBeforeAnyByteCameWaitsAgain) {
     });
     std::string received;
     {
-        dunx::test::ScopedAlarms alarms(300);
+        dunx::test::ScopedAlarms alarms(5000); // slow enough for valgrind to keep up
         received = readAll(DUNXFileInputStream(ends[0]));
     }
     writer.join();

@@ -144,6 +144,12 @@ public:
     ~ScopedAlarms() {
         const itimerval stop = {};
         ::setitimer(ITIMER_REAL, &stop, nullptr);
+        // An alarm still pending (valgrind delivers them late) is discarded by ignoring the
+        // signal, before the previous action, usually the default that ends the process, returns.
+        struct sigaction ignore = {};
+        ignore.sa_handler = SIG_IGN;
+        sigemptyset(&ignore.sa_mask);
+        ::sigaction(SIGALRM, &ignore, nullptr);
         ::sigaction(SIGALRM, &m_Previous, nullptr);
     }
     ScopedAlarms(const ScopedAlarms&) = delete;
