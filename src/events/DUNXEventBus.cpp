@@ -2,6 +2,7 @@
 
 #include <dunx/Gk_ErrMgr.h>
 
+#include "internal/Compiler.h"
 #include "platform/Platform.h"
 
 #include <typeinfo>
@@ -9,18 +10,6 @@
 namespace {
 constexpr int kInitialListenerCapacity = 10;
 }
-
-#if defined(__GNUC__)
-#define DUNX_ALWAYS_INLINE inline __attribute__((always_inline))
-#define DUNX_NOINLINE __attribute__((noinline))
-#define DUNX_COLD __attribute__((cold))
-#define DUNX_UNLIKELY(condition) __builtin_expect(!!(condition), 0)
-#else
-#define DUNX_ALWAYS_INLINE inline
-#define DUNX_NOINLINE
-#define DUNX_COLD
-#define DUNX_UNLIKELY(condition) (condition)
-#endif
 
 // Counts nested dispatches; when the outermost one ends, normally or by an
 // exception, the entries cleared by removals during it are dropped.

@@ -4,6 +4,7 @@
 #include <dunx/DUNXStreamFormatter.h>
 #include <dunx/DUNXTrace.h>
 
+#include "internal/Compiler.h"
 #include "internal/Text.h"
 #include "platform/Platform.h"
 
@@ -81,12 +82,6 @@ std::uint64_t lastUnits(const unsigned short* units, int count) {
 // products of one step do not wait for each other), with MurmurHash3's final
 // mixing so that names differing only in their last units do not crowd
 // neighbouring entries. Never stored outside this index, so it may change freely.
-#if defined(__GNUC__)
-#define DUNX_ALWAYS_INLINE inline __attribute__((always_inline))
-#else
-#define DUNX_ALWAYS_INLINE inline
-#endif
-
 DUNX_ALWAYS_INLINE unsigned nameHash(const unsigned short* units, int length) {
     constexpr std::uint64_t kFirst = 0x9E3779B97F4A7C15u, kSecond = 0xC2B2AE3D27D4EB4Fu;
     std::uint64_t first = static_cast<std::uint64_t>(length), second = 0;
